@@ -1,0 +1,20 @@
+# What the library exports is what the public headers mark with DEVFACTS_API, on one line with the name it declares.
+# Writes the names as a linker version script, "everything else local" (templates of the standard library have default
+# visibility of their own), and puts them into the variable `names`.
+function(devfacts_exports names script)
+  set(found "")
+  foreach(header ${ARGN})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
+    file(STRINGS ${header} lines REGEX "^DEVFACTS_API ")
+    foreach(line ${lines})
+      if(NOT line MATCHES "[ *]([A-Za-z0-9_]+)(\\(|;$|\\[)")
+        message(FATAL_ERROR "${header}: no name in: ${line}")
+      endif()
+      list(APPEND found ${CMAKE_MATCH_1})
+    endforeach()
+  endforeach()
+  list(SORT found)
+  list(JOIN found ";\n    " globals)
+  file(CONFIGURE OUTPUT ${script} CONTENT "{\n  global:\n    ${globals};\n  local:\n    *;\n};\n" @ONLY)
+  set(${names} ${found} PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,17 @@
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/devfacts)
+install(TARGETS devfacts devfacts_static EXPORT devfacts)
+install(TARGETS devfacts-tool)
+install(DIRECTORY include/devfacts DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(EXPORT devfacts NAMESPACE devfacts:: FILE devfactsTargets.cmake DESTINATION ${package_dir})
+
+configure_package_config_file(cmake/devfactsConfig.cmake.in devfactsConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(devfactsConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/devfactsConfig.cmake ${PROJECT_BINARY_DIR}/devfactsConfigVersion.cmake
+        DESTINATION ${package_dir})
+
+# The .pc file finds its prefix from its own place, so that an installed tree can be moved.
+file(RELATIVE_PATH DEVFACTS_PREFIX_FROM_PC ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/devfacts.pc.in devfacts.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/devfacts.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

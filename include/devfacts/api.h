@@ -1,0 +1,24 @@
+/*
+ * devfacts/api.h - the marks that the public headers put on their declarations.
+ */
+#ifndef DEVFACTS_API_H
+#define DEVFACTS_API_H
+
+/** Marks a function or object that the shared library exports; everything else is hidden. */
+#define DEVFACTS_API __attribute__((visibility("default")))
+
+/** Marks a function that does not return. */
+#define DEVFACTS_NORETURN __attribute__((noreturn))
+
+/** Marks a function that takes a printf format as argument @p f and its values from argument @p v on. */
+#define DEVFACTS_PRINTF(f, v) __attribute__((format(printf, f, v)))
+
+#ifdef __cplusplus
+#define DEVFACTS_BEGIN_DECLS extern "C" {
+#define DEVFACTS_END_DECLS }
+#else
+#define DEVFACTS_BEGIN_DECLS
+#define DEVFACTS_END_DECLS
+#endif
+
+#endif

@@ -1,0 +1,21 @@
+// The commands of the tool.
+#pragma once
+
+namespace devfacts::tool {
+
+enum exit_status { done = 0, failed = 1, wrong_usage = 2 };
+
+// One command: what it is called, what it takes and does, in the words of --help, and how many arguments may follow its name.
+struct command {
+  const char *name;
+  const char *arguments;
+  const char *purpose;
+  int least;
+  int most;
+  // Gets the arguments behind the name; the array ends with a null.
+  exit_status (*run)(char **arguments);
+};
+
+exit_status net(char **arguments);
+
+}  // namespace devfacts::tool

@@ -1,0 +1,56 @@
+// devfacts: prints what the library knows of this device.
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "command.h"
+
+using namespace devfacts::tool;
+
+namespace {
+
+constexpr command commands[] = {
+    {"net", "[NAME]", "the interfaces with their addresses and counters, or one of them", 0, 1, net},
+};
+
+void print_usage(FILE *out) {
+  std::fputs("usage: devfacts COMMAND [ARGUMENT...]\n       devfacts --help | --version\n\ncommands:\n", out);
+  for (const command &each : commands) {
+    std::fprintf(out, "  %-10s %-12s %s\n", each.name, each.arguments, each.purpose);
+  }
+}
+
+exit_status refuse(const char *what, const char *word) {
+  std::fprintf(stderr, "devfacts: %s%s%s\n", what, *word != '\0' ? ": " : "", word);
+  print_usage(stderr);
+  return wrong_usage;
+}
+
+const command *find_command(const char *name) {
+  for (const command &each : commands) {
+    if (std::strcmp(each.name, name) == 0) return &each;
+  }
+  return nullptr;
+}
+
+exit_status run(int count, char **words) {
+  if (count < 1) return refuse("no command given", "");
+  if (std::strcmp(words[0], "--help") == 0) return print_usage(stdout), done;
+  if (std::strcmp(words[0], "--version") == 0) return std::puts("devfacts " DEVFACTS_VERSION), done;
+  const command *chosen = find_command(words[0]);
+  if (chosen == nullptr) return refuse("no such command", words[0]);
+  if (count - 1 < chosen->least) return refuse("too few arguments", words[0]);
+  if (count - 1 > chosen->most) return refuse("too many arguments", words[chosen->most + 1]);
+  return chosen->run(words + 1);
+}
+
+}  // namespace
+
+int main(int count, char **words) {
+  exit_status status = run(count - 1, words + 1);
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    std::fprintf(stderr, "devfacts: cannot write to standard output: %s\n", std::strerror(errno));
+    if (status == done) status = failed;
+  }
+  return status;
+}

@@ -13,5 +13,6 @@ install(FILES ${PROJECT_BINARY_DIR}/devfactsConfig.cmake ${PROJECT_BINARY_DIR}/d
 
 # The .pc file finds its prefix from its own place, so that an installed tree can be moved.
 file(RELATIVE_PATH DEVFACTS_PREFIX_FROM_PC ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" DEVFACTS_PREFIX_FROM_PC "${DEVFACTS_PREFIX_FROM_PC}")
 configure_file(cmake/devfacts.pc.in devfacts.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/devfacts.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -38,8 +38,8 @@ void set_socket_buffer(int fd, int option, const char *failure) {
 
 enum class walk_end { dump_done, datagram_done };
 
-// Hands the messages of a datagram to the callback; remaining tells what is left of it, below zero where the last message's
-// padding lies behind the end.
+// Hands the messages of a datagram to the callback; remaining tells what is left of it, below zero where the last
+// message's padding lies behind the end.
 walk_end walk(char *position, int64_t &remaining, nl_callback callback) {
   while (remaining >= static_cast<int64_t>(sizeof(nlmsghdr))) {
     auto *message = reinterpret_cast<nlmsghdr *>(position);
@@ -97,6 +97,8 @@ int nl_dump(nl_handle *handle, int type) {
 
 void nl_recv(nl_handle *handle, nl_callback callback) {
   const auto size = static_cast<size_t>(getpagesize()) * receive_pages;
+  // On the stack, though its size is known at run time only: a dump costs no heap.
+  // cppcheck-suppress allocaCalled
   auto *buffer = static_cast<char *>(alloca(size));
   sockaddr_nl sender{};
   iovec piece{};

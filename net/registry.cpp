@@ -25,6 +25,15 @@ ifi_entry *find_first(Matches matches) {
   return nullptr;
 }
 
+// The visit may take the link out of the list and release it.
+template <class Visit>
+void for_each_taking_next(list_link *head, Visit visit) {
+  for (list_link *link = head->next, *next = nullptr; link != head; link = next) {
+    next = link->next;
+    visit(link);
+  }
+}
+
 void free_address(ipi_entry *address) {
   list_unlink(&address->list);
   std::free(address->addr);
@@ -62,7 +71,7 @@ void ifi_register(ifi_entry *entry) { list_append(&interfaces, &entry->list); }
 void ifi_add_addr(ifi_entry *entry, ipi_entry *address) { list_append(&entry->addrs, &address->list); }
 
 void ifi_free(ifi_entry *entry) {
-  while (!list_is_empty(&entry->addrs)) free_address(to_address(entry->addrs.next));
+  for_each_taking_next(&entry->addrs, [](list_link *link) { free_address(to_address(link)); });
   list_unlink(&entry->list);
   std::free(entry->name);
   std::free(entry->stats);
@@ -70,5 +79,5 @@ void ifi_free(ifi_entry *entry) {
 }
 
 void ifi_free_all() {
-  while (!list_is_empty(&interfaces)) ifi_free(to_interface(interfaces.next));
+  for_each_taking_next(&interfaces, [](list_link *link) { ifi_free(to_interface(link)); });
 }

@@ -126,9 +126,10 @@ TEST(xml, item_lines) {
     xml_str_esc_item("g", "lost");
   });
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out,
-            "  <a>N/A</a>\n  <a>N/A</a>\n  <a<><&</a<>\n  <b>N/A</b>\n  <b>&lt;&amp;</b>\n  <c>-2147483648</c>\n"
-            "  <d>N/A</d>\n  <d>-7</d>\n  <e>-9223372036854775808</e>\n  <f>-0.500000</f>\n  <g>kept</g>\n  <g>N/A</g>\n");
+  EXPECT_EQ(
+      result.out,
+      "  <a>N/A</a>\n  <a>N/A</a>\n  <a<><&</a<>\n  <b>N/A</b>\n  <b>&lt;&amp;</b>\n  <c>-2147483648</c>\n"
+      "  <d>N/A</d>\n  <d>-7</d>\n  <e>-9223372036854775808</e>\n  <f>-0.500000</f>\n  <g>kept</g>\n  <g>N/A</g>\n");
 }
 
 }  // namespace

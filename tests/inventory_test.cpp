@@ -64,7 +64,9 @@ TEST(inventory, matches_what_ip_says) {
 }
 
 TEST(inventory, a_dump_of_several_datagrams) {
-  shell("for i in $(seq 150); do echo link add v$i type veth peer name w$i; done | ip -batch -; ip addr add 192.0.2.1/24 dev w150");
+  shell(
+      "for i in $(seq 150); do echo link add v$i type veth peer name w$i; done | ip -batch -; ip addr add 192.0.2.1/24 "
+      "dev w150");
   EXPECT_EQ(without_counters(report_of_this_namespace()), report_by_ip());
 }
 
@@ -136,9 +138,11 @@ const std::string counters = [] {
   return words;
 }();
 const in6_addr v6 = {{{0x20, 1, 0xd, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}}};
-const std::string full_link = link(7, IFF_UP, attribute(IFLA_IFNAME, std::string("ra<0\0", 5)) + attribute(IFLA_LINK, bytes_of(7)) +
-    attribute(IFLA_ADDRESS, "\x02\xfc\x01\xab") + attribute(IFLA_BROADCAST, "12345678") +
-    attribute(IFLA_TXQLEN, bytes_of(1000)) + attribute(IFLA_STATS, counters));
+const std::string full_link =
+    link(7, IFF_UP,
+         attribute(IFLA_IFNAME, std::string("ra<0\0", 5)) + attribute(IFLA_LINK, bytes_of(7)) +
+             attribute(IFLA_ADDRESS, "\x02\xfc\x01\xab") + attribute(IFLA_BROADCAST, "12345678") +
+             attribute(IFLA_TXQLEN, bytes_of(1000)) + attribute(IFLA_STATS, counters));
 
 // Fills the list from these messages in the kernel's place, then looks at it; leaks nothing.
 void with_dump(const std::string &links, const std::string &addresses, const std::function<void()> &look) {
@@ -245,11 +249,14 @@ TEST(report, is_the_same_to_the_byte) {
   const std::string addresses = address(7, AF_INET6, attribute(IFA_ADDRESS, bytes_of(v6))) + address(7, AF_INET, "") +
                                 address(7, AF_INET, attribute(IFA_ADDRESS, "\xc0\xa8\x01\x02")) +
                                 address(7, AF_PACKET, attribute(IFA_ADDRESS, "abcd"));
-  const std::string one = " <interface>\n  <name>ra<0</name>\n  <status>up</status>\n"
+  const std::string one =
+      " <interface>\n  <name>ra<0</name>\n  <status>up</status>\n"
       "  <hwaddr>02:FC:01:AB:00:00</hwaddr>\n  <ipv6>2001:db8::1</ipv6>\n  <ipv4>192.168.1.2</ipv4>\n"
-      "  <rx_packets>4294967040</rx_packets>\n  <tx_packets>4294967041</tx_packets>\n  <rx_bytes>4294967042</rx_bytes>\n"
+      "  <rx_packets>4294967040</rx_packets>\n  <tx_packets>4294967041</tx_packets>\n  "
+      "<rx_bytes>4294967042</rx_bytes>\n"
       "  <tx_bytes>4294967043</tx_bytes>\n  <rx_errors>4294967044</rx_errors>\n  <tx_errors>4294967045</tx_errors>\n"
-      "  <rx_dropped>4294967046</rx_dropped>\n  <tx_dropped>4294967047</tx_dropped>\n  <multicast>4294967048</multicast>\n"
+      "  <rx_dropped>4294967046</rx_dropped>\n  <tx_dropped>4294967047</tx_dropped>\n  "
+      "<multicast>4294967048</multicast>\n"
       "  <collisions>4294967049</collisions>\n  <rx_length_errors>4294967050</rx_length_errors>\n"
       "  <rx_over_errors>4294967051</rx_over_errors>\n  <rx_crc_errors>4294967052</rx_crc_errors>\n"
       "  <rx_frame_errors>4294967053</rx_frame_errors>\n  <rx_fifo_errors>4294967054</rx_fifo_errors>\n"
@@ -257,13 +264,15 @@ TEST(report, is_the_same_to_the_byte) {
       "  <tx_carrier_errors>4294967057</tx_carrier_errors>\n  <tx_fifo_errors>4294967058</tx_fifo_errors>\n"
       "  <tx_heartbeat_errors>4294967059</tx_heartbeat_errors>\n  <tx_window_errors>4294967060</tx_window_errors>\n"
       "  <rx_compressed>4294967061</rx_compressed>\n  <tx_compressed>4294967062</tx_compressed>\n </interface>\n";
-  const std::string bare = " <interface>\n  <status>down</status>\n  <hwaddr>00:00:00:00:00:00</hwaddr>\n </interface>\n";
+  const std::string bare =
+      " <interface>\n  <status>down</status>\n  <hwaddr>00:00:00:00:00:00</hwaddr>\n </interface>\n";
   const struct {
     const char *filter;
     std::string interfaces;
   } rows[] = {{nullptr, one + bare}, {"ra<0", one}, {"ra", ""}, {"", ""}};
   for (const auto &row : rows) {
-    const outcome result = in_child([&] { with_dump(full_link + link(8, 0, ""), addresses, [&] { ifi_dump_all(row.filter); }); });
+    const outcome result =
+        in_child([&] { with_dump(full_link + link(8, 0, ""), addresses, [&] { ifi_dump_all(row.filter); }); });
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "<netstats>\n" + row.interfaces + "</netstats>\n");
   }

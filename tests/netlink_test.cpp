@@ -65,13 +65,25 @@ TEST(nl_recv, what_it_makes_of_datagrams) {
       {"done in front of others", {done() + noop, noop}, 0, "end", ""},
       {"shorter than a header", {"abc"}, 1, "", "netlink packet remains 3 bytes, not parsed.\n"},
       {"bytes behind the last", {noop + "12345678"}, 1, "1:16 ", "netlink packet remains 8 bytes, not parsed.\n"},
-      {"no room for the padding", {message(9, "xy").substr(0, 18)}, 1, "9:18 ", "netlink packet remains -2 bytes, not parsed.\n"},
+      {"no room for the padding",
+       {message(9, "xy").substr(0, 18)},
+       1,
+       "9:18 ",
+       "netlink packet remains -2 bytes, not parsed.\n"},
       {"claims less than a header", {message(9, "", 15)}, 1, "", "netlink packet remains 16 bytes, not parsed.\n"},
       {"claims nothing", {message(9, "", 0)}, 1, "", "netlink packet remains 16 bytes, not parsed.\n"},
       {"claims one byte too many", {message(9, "", 17)}, 1, "", "netlink packet remains 16 bytes, not parsed.\n"},
-      {"claims everything", {noop + message(9, "", UINT32_MAX)}, 1, "1:16 ", "netlink packet remains 16 bytes, not parsed.\n"},
+      {"claims everything",
+       {noop + message(9, "", UINT32_MAX)},
+       1,
+       "1:16 ",
+       "netlink packet remains 16 bytes, not parsed.\n"},
       {"an empty one", {""}, 1, "", "EOF on netlink, Success\n"},
-      {"an error cut short", {message(NLMSG_ERROR, std::string(19, '\0'))}, 1, "", "netlink error message truncated.\n"},
+      {"an error cut short",
+       {message(NLMSG_ERROR, std::string(19, '\0'))},
+       1,
+       "",
+       "netlink error message truncated.\n"},
       {"an error", {noop + error_message(-EPERM)}, 1, "1:16 ", "netlink error (1), Operation not permitted\n"},
       {"an acknowledgement", {error_message(0)}, 1, "", "netlink communication error ...\n"},
       {"a datagram too long", {full + noop, noop, done()}, 0, full_seen + "1:16 end", "truncated message ?\n"},
@@ -191,7 +203,8 @@ TEST(attributes, the_walk_stays_inside_the_block) {
   };
   for (const auto &row : rows) {
     const outcome result = in_child([&] {
-      const std::unique_ptr<char[]> block{new char[row.block.size()]};  // exactly as long: the sanitizer watches its end
+      const std::unique_ptr<char[]> block{
+          new char[row.block.size()]};  // exactly as long: the sanitizer watches its end
       memcpy(block.get(), row.block.data(), row.block.size());
       auto *first = reinterpret_cast<rtattr *>(block.get());
       rtattr *table[3] = {first, first, first};

@@ -5,7 +5,8 @@ namespace devfacts::tool {
 
 enum exit_status { done = 0, failed = 1, wrong_usage = 2 };
 
-// One command: what it is called, what it takes and does, in the words of --help, and how many arguments may follow its name.
+// One command: what it is called, what it takes and does, in the words of --help, and how many arguments may follow its
+// name.
 struct command {
   const char *name;
   const char *arguments;

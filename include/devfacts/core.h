@@ -84,8 +84,8 @@ DEVFACTS_API char *trimr_string(char *str);
 DEVFACTS_API char *triml_string(const char *str);
 
 /*
- * XML items: one line "  <name>value</name>\n" each, printed on standard output through stdio. The name is printed as it
- * is, never escaped. Write errors are not looked at: ferror(stdout) tells.
+ * XML items: one line "  <name>value</name>\n" each, printed on standard output through stdio. The name is printed as
+ * it is, never escaped. Write errors are not looked at: ferror(stdout) tells.
  */
 
 /**
@@ -115,7 +115,8 @@ DEVFACTS_API void xml_int_item(const char *name, int32_t value);
 /**
  * Prints a signed number item that may be absent.
  *
- * @param name the element's name; null prints nothing where the value is absent, and is not allowed where it is present.
+ * @param name the element's name; null prints nothing where the value is absent, and is not allowed where it is
+ * present.
  * @param value the number; not looked at where it is absent.
  * @param present 0: the line says "N/A"; anything else: as xml_int_item().
  */

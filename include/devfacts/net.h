@@ -1,9 +1,10 @@
 /*
- * devfacts/net.h - the network interfaces of the machine: a small rtnetlink client, the list of interfaces and addresses
- * that it fills, and the netstats report.
+ * devfacts/net.h - the network interfaces of the machine: a small rtnetlink client, the list of interfaces and
+ * addresses that it fills, and the netstats report.
  *
  * Use the list from one thread at a time; handles of the netlink client are independent of each other. The netlink
- * client knows one way to fail: through die(), which writes a text to standard error and ends the process with status 1.
+ * client knows one way to fail: through die(), which writes a text to standard error and ends the process with
+ * status 1.
  */
 #ifndef DEVFACTS_NET_H
 #define DEVFACTS_NET_H
@@ -26,32 +27,32 @@ typedef struct list_link {
 
 /** One network interface, as the kernel's link message described it. What the message lacks is zero. */
 typedef struct ifi_entry {
-  list_link list;               /**< link in ::interfaces; first, so that a pointer to it is one to the record */
-  list_link addrs;              /**< head of this interface's ::ipi_entry list, in the kernel's order */
-  int32_t index;                /**< kernel interface index */
-  int32_t master;               /**< index of the parent interface (IFLA_LINK, else iw_parent_name()); 0: none */
-  char *name;                   /**< interface name (IFLA_IFNAME); null where the kernel gave none or memory was out */
-  uint8_t hwaddr[6];            /**< link-layer address (IFLA_ADDRESS): six bytes at most, zero behind a shorter one */
-  uint8_t broadcast[6];         /**< link-layer broadcast address (IFLA_BROADCAST), in the same way */
-  uint16_t type;                /**< link type, an ARPHRD_ value */
-  uint32_t txqlen;              /**< transmit queue length in packets (IFLA_TXQLEN) */
-  uint32_t flags;               /**< device flags, IFF_UP and so on */
+  list_link list;                /**< link in ::interfaces; first, so that a pointer to it is one to the record */
+  list_link addrs;               /**< head of this interface's ::ipi_entry list, in the kernel's order */
+  int32_t index;                 /**< kernel interface index */
+  int32_t master;                /**< index of the parent interface (IFLA_LINK, else iw_parent_name()); 0: none */
+  char *name;                    /**< interface name (IFLA_IFNAME); null where the kernel gave none or memory was out */
+  uint8_t hwaddr[6];             /**< link-layer address (IFLA_ADDRESS): six bytes at most, zero behind a shorter one */
+  uint8_t broadcast[6];          /**< link-layer broadcast address (IFLA_BROADCAST), in the same way */
+  uint16_t type;                 /**< link type, an ARPHRD_ value */
+  uint32_t txqlen;               /**< transmit queue length in packets (IFLA_TXQLEN) */
+  uint32_t flags;                /**< device flags, IFF_UP and so on */
   struct rtnl_link_stats *stats; /**< the 23 counters (IFLA_STATS), those the kernel did not give zero; null: none */
 } ifi_entry;
 
 /** One address of an interface. */
 typedef struct ipi_entry {
-  list_link list;    /**< link in the owner's addrs; first, so that a pointer to it is one to the record */
-  uint16_t family;   /**< address family: AF_INET, AF_INET6, ... */
-  int32_t prefixlen; /**< prefix length in bits */
-  uint8_t *addr;     /**< the address in network order (IFA_ADDRESS, else IFA_LOCAL); null: none. A NUL
-                          stands behind it, and zeros up to 16 bytes behind a short one */
+  list_link list;     /**< link in the owner's addrs; first, so that a pointer to it is one to the record */
+  uint16_t family;    /**< address family: AF_INET, AF_INET6, ... */
+  int32_t prefixlen;  /**< prefix length in bits */
+  uint8_t *addr;      /**< the address in network order (IFA_ADDRESS, else IFA_LOCAL); null: none. A NUL
+                           stands behind it, and zeros up to 16 bytes behind a short one */
   uint8_t *broadcast; /**< the broadcast address (IFA_BROADCAST) in the same form; null: none */
 } ipi_entry;
 
 /**
- * The list of interfaces: a head of ::ifi_entry records in the kernel's order, empty until it is filled. A walk starts at
- * interfaces.next and ends when it is back at &interfaces.
+ * The list of interfaces: a head of ::ifi_entry records in the kernel's order, empty until it is filled. A walk starts
+ * at interfaces.next and ends when it is back at &interfaces.
  *
  * The records and all they point to belong to the list, until ifi_free() or ifi_free_all().
  */
@@ -60,13 +61,13 @@ DEVFACTS_API extern list_link interfaces;
 /**
  * The interfaces of this network namespace, without addresses (rtnetlink RTM_GETLINK).
  *
- * An empty list is filled from the kernel; a list that holds a record is returned as it is, however old, and whichever of
- * the two operations filled it. ifi_free_all() before the call gives a fresh picture. An interface without IFLA_LINK has
- * the parent that iw_parent_name() finds; which interfaces have one at all is looked up once a collection.
+ * An empty list is filled from the kernel; a list that holds a record is returned as it is, however old, and whichever
+ * of the two operations filled it. ifi_free_all() before the call gives a fresh picture. An interface without IFLA_LINK
+ * has the parent that iw_parent_name() finds; which interfaces have one at all is looked up once a collection.
  *
  * @return &interfaces.
- * Netlink failures and exhausted memory for a record end the process, in the words of the nl_ operations and ifi_alloc().
- * A name, counters or an address that there is no memory for is left null or out.
+ * Netlink failures and exhausted memory for a record end the process, in the words of the nl_ operations and
+ * ifi_alloc(). A name, counters or an address that there is no memory for is left null or out.
  */
 DEVFACTS_API list_link *ifi_get_all(void);
 
@@ -152,20 +153,21 @@ DEVFACTS_API int nl_collect_interface(struct nlmsghdr *message);
  * @param name interface name; null, or one too long for a path of 127 characters, gives -1.
  * @param buffer room for the parent's name.
  * @param size bytes in @p buffer; at most size - 1 characters of the line are read. Below 1 gives -1.
- * @return 0 with the name in @p buffer; -1 where there is no such file or nothing to read in it (@p buffer is as it was).
+ * @return 0 with the name in @p buffer; -1 where there is no such file or nothing to read in it (@p buffer is as it
+ * was).
  */
 DEVFACTS_API int iw_parent_name(const char *name, char *buffer, int size);
 
 /* ---- The netstats report ---- */
 
 /**
- * Prints the list as it stands as one XML document on standard output: the element netstats, in it for each interface name,
- * status ("up" or "down": IFF_UP), master (its name, from if_indextoname()), hwaddr, ipv4 and ipv6 addresses, and the
- * kernel's 23 counters. What there is none of has no line.
+ * Prints the list as it stands as one XML document on standard output: the element netstats, in it for each interface
+ * name, status ("up" or "down": IFF_UP), master (its name, from if_indextoname()), hwaddr, ipv4 and ipv6 addresses, and
+ * the kernel's 23 counters. What there is none of has no line.
  *
  * Fill the list with ifi_get_all_ip() first. Values are printed as they are, with no escaping: the kernel accepts
- * interface names that XML does not, such as "a<b&c", and the document is not well-formed where there is one. Write errors
- * are not looked at: ferror(stdout) tells.
+ * interface names that XML does not, such as "a<b&c", and the document is not well-formed where there is one. Write
+ * errors are not looked at: ferror(stdout) tells.
  *
  * @param filter prints only the records of exactly this name; null prints all. A record without a name never matches.
  */
@@ -179,8 +181,8 @@ DEVFACTS_API void ifi_dump_all(const char *filter);
 DEVFACTS_API void ifi_dump_detail(const ifi_entry *entry);
 
 /**
- * Prints the line "  <name>value</name>\n" on standard output, unescaped. Unlike xml_str_item() it leaves an absent value
- * out and prints an empty one as it is.
+ * Prints the line "  <name>value</name>\n" on standard output, unescaped. Unlike xml_str_item() it leaves an absent
+ * value out and prints an empty one as it is.
  *
  * @param name the element's name; null prints nothing.
  * @param value the text; null prints nothing.
@@ -219,7 +221,8 @@ DEVFACTS_API char *ifi_ip_ntop(char *buf, size_t size, const ipi_entry *entry);
 /* ---- The rtnetlink client ---- */
 
 /**
- * One rtnetlink socket, in the caller's storage: closed before nl_open() and after nl_close(). It belongs to the caller.
+ * One rtnetlink socket, in the caller's storage: closed before nl_open() and after nl_close(). It belongs to the
+ * caller.
  *
  * The fd is public. A caller may set SO_RCVTIMEO on it to bound the wait of nl_recv(), which otherwise blocks until the
  * kernel answers: when the time is over nl_recv() returns as if the dump had ended.
@@ -264,7 +267,8 @@ DEVFACTS_API void nl_open(nl_handle *handle, int protocol, uint32_t groups);
 DEVFACTS_API int nl_send(nl_handle *handle, const void *buffer, size_t length);
 
 /**
- * Asks for a dump of all address families, with the next sequence number. nl_recv() is run to its end before the next one.
+ * Asks for a dump of all address families, with the next sequence number. nl_recv() is run to its end before the next
+ * one.
  *
  * @param handle an open handle.
  * @param type message type of the request: RTM_GETLINK, RTM_GETADDR, ...
@@ -275,20 +279,20 @@ DEVFACTS_API int nl_dump(nl_handle *handle, int type);
 /**
  * Receives a dump and hands each of its messages to a callback, NLMSG_NOOP and NLMSG_OVERRUN included.
  *
- * It returns at NLMSG_DONE, dropping what follows in the datagram, and at EAGAIN: a handle whose fd is non-blocking or has
- * a receive time-out (SO_RCVTIMEO) thereby ends the wait early, with no sign of it. EINTR is retried; a signal therefore
- * starts a time-out afresh. Replies are not matched to the request, so a handle serves one dump at a time. The receive
- * buffer is four pages of the caller's stack. What a message claims of its length is never believed beyond the bytes
- * received; a datagram that the buffer cannot hold gives its leading messages and the warning "truncated message ?\n" on
- * standard error.
+ * It returns at NLMSG_DONE, dropping what follows in the datagram, and at EAGAIN: a handle whose fd is non-blocking or
+ * has a receive time-out (SO_RCVTIMEO) thereby ends the wait early, with no sign of it. EINTR is retried; a signal
+ * therefore starts a time-out afresh. Replies are not matched to the request, so a handle serves one dump at a time.
+ * The receive buffer is four pages of the caller's stack. What a message claims of its length is never believed beyond
+ * the bytes received; a datagram that the buffer cannot hold gives its leading messages and the warning "truncated
+ * message ?\n" on standard error.
  *
  * @param handle an open handle.
  * @param callback called for each message.
  *
- * Ends the process through die() with "recvmsg() failed"; "EOF on netlink, %s\n" and the errno text for an empty datagram;
- * "netlink error message truncated.\n"; "netlink error (%d), %s\n" with the error that the kernel reported and its text;
- * "netlink communication error ...\n" for a reported error of 0; "netlink packet remains %d bytes, not parsed.\n" for a
- * datagram that is no whole number of messages.
+ * Ends the process through die() with "recvmsg() failed"; "EOF on netlink, %s\n" and the errno text for an empty
+ * datagram; "netlink error message truncated.\n"; "netlink error (%d), %s\n" with the error that the kernel reported
+ * and its text; "netlink communication error ...\n" for a reported error of 0; "netlink packet remains %d bytes, not
+ * parsed.\n" for a datagram that is no whole number of messages.
  */
 DEVFACTS_API void nl_recv(nl_handle *handle, nl_callback callback);
 
@@ -303,13 +307,14 @@ DEVFACTS_API void nl_close(nl_handle *handle);
  * Sorts a block of attributes into a table by type. A later attribute of a type replaces an earlier one; types above
  * @p max are passed over. The type counts with all its 16 bits, NLA_F_NESTED and the like included.
  *
- * @param table room for @p max + 1 pointers: all are cleared, then set to attributes of the block, which stay where they are.
+ * @param table room for @p max + 1 pointers: all are cleared, then set to attributes of the block, which stay where
+ * they are.
  * @param max highest type wanted.
  * @param first the first attribute.
  * @param length bytes in the block.
  * @return 0. A block that is no whole number of attributes is taken as far as it goes, with the warning
- *         "!!!Deficit %d, rta_len=%d\n" on standard error: the bytes left over and the length they claim, 0 where they are too few
- *         to hold one.
+ *         "!!!Deficit %d, rta_len=%d\n" on standard error: the bytes left over and the length they claim, 0 where they
+ * are too few to hold one.
  */
 DEVFACTS_API int nl_parse_rtattr(struct rtattr **table, int max, struct rtattr *first, int length);
 

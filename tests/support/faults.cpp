@@ -57,9 +57,7 @@ void test_free(void *block) {
   free(block);
 }
 
-int test_socket(int domain, int type, int protocol) {
-  return strikes("socket") ? -1 : socket(domain, type, protocol);
-}
+int test_socket(int domain, int type, int protocol) { return strikes("socket") ? -1 : socket(domain, type, protocol); }
 
 int test_setsockopt(int fd, int level, int option, const void *value, socklen_t size) {
   return strikes("setsockopt") ? -1 : setsockopt(fd, level, option, value, size);
@@ -85,7 +83,8 @@ ssize_t test_recvmsg(int fd, msghdr *message, int flags) {
   const std::string datagram = canned.front();
   canned.erase(canned.begin());
   message->msg_flags = 0;
-  return static_cast<ssize_t>(datagram.copy(static_cast<char *>(message->msg_iov->iov_base), message->msg_iov->iov_len));
+  return static_cast<ssize_t>(
+      datagram.copy(static_cast<char *>(message->msg_iov->iov_base), message->msg_iov->iov_len));
 }
 
 DIR *test_opendir(const char *path) { return strikes("opendir") ? nullptr : opendir(path); }

@@ -12,8 +12,8 @@ struct outcome {
   std::string err;
 };
 
-// Runs the body in a forked child that ends by itself within a minute. Expectations that fail in the body give status 99,
-// with their text in out.
+// Runs the body in a forked child that ends by itself within a minute. Expectations that fail in the body give status
+// 99, with their text in out.
 outcome in_child(const std::function<void()> &body);
 
 // The body runs to its end, every expectation in it holds, and it writes nothing on standard error.

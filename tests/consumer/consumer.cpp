@@ -1,0 +1,8 @@
+#include <devfacts/core.h>
+#include <devfacts/net.h>
+
+int main() {
+  for (list_link *link = ifi_get_all()->next; link != &interfaces; link = link->next) {
+    xml_str_item("name", reinterpret_cast<ifi_entry *>(link)->name);
+  }
+}

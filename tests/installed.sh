@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Installs a build into a path with blanks, and uses it from there: the C example by pkg-config, a C++ project by
+# find_package, the tool. installed.sh BUILD_DIR SOURCE_DIR
+set -euo pipefail
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+root="$work/a root"
+cmake --install "$1" --prefix "$root" >/dev/null
+pc=$(dirname "$(find "$root" -name devfacts.pc)")
+
+eval "flags=($(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs devfacts))"
+cc -std=c99 -Wall -Wextra -Wpedantic -Werror "$2/examples/interfaces.c" "${flags[@]}" -o "$work/example"
+cmake -S "$2/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$root" >/dev/null
+cmake --build "$work/consumer" >/dev/null
+
+lo='  <name>lo</name>'
+for program in "$work/consumer/shared-consumer" "$work/consumer/static-consumer" "$root/bin/devfacts net"; do
+  [[ $program = *net ]] && program=("$root/bin/devfacts" net) || program=("$program")
+  "${program[@]}" | grep -qxF "$lo" || { echo "${program[*]}: does not list lo"; exit 1; }
+done
+LD_LIBRARY_PATH=$(dirname "$pc") "$work/example" | grep -q '^1: lo' || { echo "the example does not list lo"; exit 1; }

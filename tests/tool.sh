@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# The tool as a person meets it: tool.sh COMMAND... runs it.
+set -uo pipefail
+tool=("$@") failed=0
+expect() { # STATUS OUT-PATTERN ERR-PATTERN ARGUMENT...: patterns are of the whole text
+  local status out err wanted=$1 out_pattern=$2 err_pattern=$3
+  shift 3
+  err=$(mktemp)
+  out=$("${tool[@]}" "$@" 2>"$err")
+  status=$?
+  [[ $status = "$wanted" && $out == $out_pattern && $(grep -v Deficit "$err") == $err_pattern ]] && return
+  printf 'devfacts %s: status %s\n%s\n%s\n' "$*" "$status" "$out" "$(cat "$err")"
+  failed=1
+}
+expect 0 'usage: devfacts *net *' '' --help
+expect 0 'devfacts [0-9]*.[0-9]*.[0-9]*' '' --version
+expect 0 $'<netstats>\n <interface>\n  <name>lo</name>*</netstats>' '' net lo
+expect 0 $'<netstats>\n*<name>lo</name>*</netstats>' '' net
+expect 1 '' 'devfacts: no interface "lo0"' net lo0
+expect 2 '' $'devfacts: no command given\nusage: *'
+expect 2 '' $'devfacts: no such command: ney\nusage: *' ney
+expect 2 '' $'devfacts: too many arguments: eth1\nusage: *' net lo eth1
+"${tool[@]}" net >/dev/full 2>/dev/null && { echo "a full disk goes unnoticed"; failed=1; }
+exit $failed

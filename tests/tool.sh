@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # The tool as a person meets it: tool.sh COMMAND... runs it.
 set -uo pipefail
-tool=("$@") failed=0
+tool=("$@") failed=0 err=$(mktemp)
+trap 'rm -f "$err"' EXIT
 expect() { # STATUS OUT-PATTERN ERR-PATTERN ARGUMENT...: patterns are of the whole text
-  local status out err wanted=$1 out_pattern=$2 err_pattern=$3
+  local status out wanted=$1 out_pattern=$2 err_pattern=$3
   shift 3
-  err=$(mktemp)
   out=$("${tool[@]}" "$@" 2>"$err")
   status=$?
   [[ $status = "$wanted" && $out == $out_pattern && $(grep -v Deficit "$err") == $err_pattern ]] && return

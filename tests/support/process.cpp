@@ -9,19 +9,16 @@
 namespace test {
 namespace {
 
-std::string contents(FILE *file) {
+std::string rest_of(FILE *file) {
   std::string text;
-  std::rewind(file);
   for (int byte; (byte = std::getc(file)) != EOF;) text.push_back(static_cast<char>(byte));
-  std::fclose(file);
   return text;
 }
 
 }  // namespace
 
 outcome in_child(const std::function<void()> &body) {
-  FILE *out = std::tmpfile();
-  FILE *err = std::tmpfile();
+  FILE *out = std::tmpfile(), *err = std::tmpfile();
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
@@ -33,25 +30,21 @@ outcome in_child(const std::function<void()> &body) {
   }
   int status = 0;
   waitpid(child, &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contents(out), contents(err)};
+  for (FILE *file : {out, err}) std::rewind(file);
+  return {rest_of(out), rest_of(err), WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }
 
-void expect_clean(const std::function<void()> &body) {
-  const outcome result = in_child(body);
-  EXPECT_EQ(result.status, 0) << result.out;
-  EXPECT_EQ(result.err, "");
+void expect_clean(const std::function<void()> &body, const std::string &words) {
+  EXPECT_EQ(in_child(body).all(), "|" + words + "|0");
 }
 
-void expect_death(const std::function<void()> &body, const std::string &words) {
-  const outcome result = in_child(body);
-  EXPECT_EQ(result.status, 1) << result.out;
-  EXPECT_EQ(result.err, words);
+void expect_death(const std::string &words, const std::function<void()> &body) {
+  EXPECT_EQ(in_child(body).all(), "|" + words + "|1");
 }
 
 std::string shell(const std::string &command) {
   FILE *pipe = popen(("set -e; " + command).c_str(), "r");
-  std::string text;
-  for (int byte; (byte = std::getc(pipe)) != EOF;) text.push_back(static_cast<char>(byte));
+  const std::string text = rest_of(pipe);
   EXPECT_EQ(pclose(pipe), 0) << command;
   return text;
 }

@@ -21,6 +21,7 @@ int32_t index_of_parent(const char *name) {
 
 bool parent_finder::may_have_parent(const char *name) {
   if (name == nullptr) return false;
+  if (!asked_) return asked_ = true;
   if (!listed_) list_folders();
   // A name with a slash in it, which no kernel gives, stands for a path that the listing does not show.
   return folders_.may_hold(text_key(name)) || std::strchr(name, '/') != nullptr;

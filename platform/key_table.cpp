@@ -1,0 +1,175 @@
+#include "platform/key_table.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <cstring>
+#include <utility>
+
+#include "core/text.h"
+
+namespace devfacts {
+namespace {
+
+// Opened without waiting, so that a pipe is refused like all else that is no file.
+unique_fd open_file(const char *path, size_t &size) {
+  unique_fd file{open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
+  struct stat status;
+  if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+  size = static_cast<size_t>(status.st_size);
+  return file;
+}
+
+// A quarter of the code of std::sort, and needs no memory as qsort() may.
+template <class T, class Before>
+void heap_sort(std::span<T> rows, Before before) {
+  std::make_heap(rows.begin(), rows.end(), before);
+  std::sort_heap(rows.begin(), rows.end(), before);
+}
+
+// No index has a second spelling.
+bool parse_index(const char *text, const char *end, int &index) {
+  if (*text == '-' || (*text == '0' && end - text > 1)) return false;
+  const auto [behind, error] = std::from_chars(text, end, index);
+  return error == std::errc{} && behind == end;
+}
+
+template <class Visitor>
+void for_each_index(const char *key, const char *value, Visitor visit) {
+  const char *const end = key + std::strlen(key);
+  const char *dot = std::strchr(key, '.');
+  while (dot != nullptr) {
+    const char *const next = std::strchr(dot + 1, '.');
+    int index = 0;
+    if (next != nullptr && parse_index(dot + 1, next, index)) {
+      visit(indexed_value{{{{key, dot}}, {{next + 1, end}}, index}, value});
+    }
+    dot = next;
+  }
+}
+
+}  // namespace
+
+key_table::~key_table() {
+  while (texts_ != nullptr) std::free(std::exchange(texts_, texts_->older));
+}
+
+// All is made beside what the table holds, and takes its place only once nothing can fail.
+bool key_table::load(const char *path) {
+  malloc_ptr<file_text> text = read(path);
+  if (!text || std::memchr(text->bytes(), '\0', text->size) != nullptr) return false;
+  array<entry> entries;
+  const auto line_ends = std::count(text->bytes(), text->bytes() + text->size, '\n');
+  if (!entries.reserve(entries_.count + static_cast<size_t>(line_ends) + 1)) return false;
+  for (const entry &each : entries_.all()) entries.append({each.key, each.value, entries.count});
+  if (!take_lines(*text, entries)) return false;
+  sort(entries);
+  array<indexed_value> indices;
+  if (!collect_indices(entries, indices)) return false;
+
+  text->older = texts_;
+  texts_ = text.release();
+  entries_ = std::move(entries);
+  indices_ = std::move(indices);
+  return true;
+}
+
+bool key_table::grow(malloc_ptr<file_text> &text, size_t room) {
+  auto *grown = static_cast<file_text *>(std::realloc(text.get(), sizeof(file_text) + room + 1));
+  if (grown == nullptr) return false;
+  static_cast<void>(text.release());
+  text.reset(grown);
+  return true;
+}
+
+// The file with a NUL behind it. Its size is where to start from only: it may grow, and files of the kernel claim none.
+malloc_ptr<key_table::file_text> key_table::read(const char *path) {
+  size_t room = 0;
+  const unique_fd file = open_file(path, room);
+  malloc_ptr<file_text> text;
+  if (!file || !grow(text, ++room)) return nullptr;
+  text->size = 0;
+  for (;;) {
+    const ssize_t got = ::read(file.get(), text->bytes() + text->size, room - text->size);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return nullptr;
+    if (got == 0) break;
+    text->size += static_cast<size_t>(got);
+    if (text->size == room && !grow(text, room *= 2)) return nullptr;
+  }
+  text->bytes()[text->size] = '\0';
+  return text;
+}
+
+// Splits a line in place; false for one that is neither an entry nor to be passed over.
+bool key_table::take_line(char *line, char *end, array<entry> &entries) {
+  if (end != line && end[-1] == '\r') --end;
+  *end = '\0';
+  while (is_space(*line)) ++line;
+  if (*line == '\0' || *line == '#') return true;
+  char *key_end = line;
+  while (*key_end != '\0' && *key_end != '=' && !is_space(*key_end)) ++key_end;
+  if (key_end == line || *key_end != '=') return false;
+  *key_end = '\0';
+  entries.append({line, key_end + 1, entries.count});
+  return true;
+}
+
+bool key_table::take_lines(file_text &text, array<entry> &entries) {
+  char *const last = text.bytes() + text.size;
+  for (char *line = text.bytes(); line < last;) {
+    char *end = std::find(line, last, '\n');
+    if (!take_line(line, end, entries)) return false;
+    line = end + 1;
+  }
+  return true;
+}
+
+// Of the lines of a key only the last one stays.
+void key_table::sort(array<entry> &entries) {
+  heap_sort(entries.all(), [](const entry &a, const entry &b) {
+    const int order = std::strcmp(a.key, b.key);
+    return order != 0 ? order < 0 : a.order < b.order;
+  });
+  entry *const rows = entries.rows.get();
+  size_t kept = 0;
+  for (const entry &each : entries.all()) {
+    if (kept != 0 && std::strcmp(rows[kept - 1].key, each.key) == 0) --kept;
+    rows[kept++] = each;
+  }
+  entries.count = kept;
+}
+
+bool key_table::collect_indices(const array<entry> &entries, array<indexed_value> &indices) {
+  size_t count = 0;
+  for (const entry &each : entries.all()) for_each_index(each.key, each.value, [&](const auto &) { ++count; });
+  if (count == 0) return true;
+  if (!indices.reserve(count)) return false;
+  for (const entry &each : entries.all()) {
+    for_each_index(each.key, each.value, [&](const indexed_value &found) { indices.append(found); });
+  }
+  heap_sort(indices.all(), [](const indexed_value &a, const indexed_value &b) { return a.at < b.at; });
+  return true;
+}
+
+const char *key_table::find(const char *key) const {
+  const auto entries = entries_.all();
+  const auto before = [](const char *a, const char *b) { return std::strcmp(a, b) < 0; };
+  const auto found = std::ranges::lower_bound(entries, key, before, &entry::key);
+  return found != entries.end() && std::strcmp(found->key, key) == 0 ? found->value : nullptr;
+}
+
+std::span<const indexed_value> key_table::find_indices(std::string_view prefix, std::string_view suffix) const {
+  const auto indices = indices_.all();
+  const place least{{prefix}, {suffix}, 0};
+  const place most{{prefix}, {suffix}, INT_MAX};
+  const auto first = std::ranges::lower_bound(indices, least, {}, &indexed_value::at);
+  return {first, std::ranges::upper_bound(first, indices.end(), most, {}, &indexed_value::at)};
+}
+
+}  // namespace devfacts

@@ -18,5 +18,7 @@ struct command {
 };
 
 exit_status net(char **arguments);
+exit_status product(char **arguments);
+exit_status config(char **arguments);
 
 }  // namespace devfacts::tool

@@ -11,6 +11,8 @@ namespace {
 
 constexpr command commands[] = {
     {"net", "[NAME]", "the interfaces with their addresses and counters, or one of them", 0, 1, net},
+    {"product", "[KEY]", "the product's identity and capabilities, or one value of its description", 0, 1, product},
+    {"config", "KEY", "one value of the system configuration", 1, 1, config},
 };
 
 void print_usage(FILE *out) {

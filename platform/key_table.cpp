@@ -79,6 +79,7 @@ bool key_table::load(const char *path) {
   return true;
 }
 
+// Room for so many bytes and the NUL behind them.
 bool key_table::grow(malloc_ptr<file_text> &text, size_t room) {
   auto *grown = static_cast<file_text *>(std::realloc(text.get(), sizeof(file_text) + room + 1));
   if (grown == nullptr) return false;
@@ -91,8 +92,10 @@ bool key_table::grow(malloc_ptr<file_text> &text, size_t room) {
 malloc_ptr<key_table::file_text> key_table::read(const char *path) {
   size_t room = 0;
   const unique_fd file = open_file(path, room);
-  malloc_ptr<file_text> text;
-  if (!file || !grow(text, ++room)) return nullptr;
+  if (!file) return nullptr;
+  ++room;
+  malloc_ptr<file_text> text{static_cast<file_text *>(std::malloc(sizeof(file_text) + room + 1))};
+  if (!text) return nullptr;
   text->size = 0;
   for (;;) {
     const ssize_t got = ::read(file.get(), text->bytes() + text->size, room - text->size);

@@ -40,8 +40,8 @@ struct key_text {
 
 void *at(void *record, size_t offset) { return static_cast<char *>(record) + offset; }
 
+// The getters find their slot all zero, which is an absent one. They leave its padding alone.
 void get_string(caps_string &slot, cfg_handle cfg, const char *key) {
-  slot = {nullptr, 0};
   if (cfg_key_exists(cfg, key) == 0) return;
   const char *text = cfg_get_value(cfg, 0, key);
   if (text == nullptr) return;
@@ -53,13 +53,15 @@ void get_string(caps_string &slot, cfg_handle cfg, const char *key) {
 }
 
 void get_u32(caps_u32 &slot, cfg_handle cfg, const char *key) {
-  slot = {0, 0};
-  if (cfg_key_exists(cfg, key) != 0) slot = {cfg_get_uint32_value(cfg, 0, key), 1};
+  if (cfg_key_exists(cfg, key) == 0) return;
+  slot.value = cfg_get_uint32_value(cfg, 0, key);
+  slot.present = 1;
 }
 
 void get_bool(caps_bool &slot, cfg_handle cfg, const char *key) {
-  slot = {0, 0};
-  if (cfg_key_exists(cfg, key) != 0) slot = {cfg_get_bool_value(cfg, 0, key), 1};
+  if (cfg_key_exists(cfg, key) == 0) return;
+  slot.value = cfg_get_bool_value(cfg, 0, key);
+  slot.present = 1;
 }
 
 void get_field(void *record, const caps_field &field, cfg_handle cfg, const char *prefix) {

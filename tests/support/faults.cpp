@@ -21,21 +21,17 @@ long live = 0;
 size_t newest = 0;
 std::vector<std::string> canned;
 
-bool strikes(const char *call) {
-  if (std::strcmp(call, armed.call) != 0 || ++armed.seen != armed.nth) return false;
-  errno = armed.error;
-  return true;
-}
-
 template <class Allocate>
 auto allocation(size_t size, Allocate allocate) {
-  decltype(allocate()) block = strikes("allocation") ? nullptr : allocate();
+  decltype(allocate()) block = test::strikes("allocation") ? nullptr : allocate();
   live += block != nullptr;
   newest = size;
   return block;
 }
 
 }  // namespace
+
+using test::strikes;
 
 // The library's undefined name x is test_x here.
 extern "C" {
@@ -46,6 +42,13 @@ void *test_malloc(size_t size) {
 
 void *test_calloc(size_t count, size_t size) {
   return allocation(count * size, [=] { return calloc(count, size); });
+}
+
+void *test_realloc(void *block, size_t size) {
+  if (strikes("realloc")) return nullptr;
+  void *grown = allocation(size, [=] { return realloc(block, size); });
+  live -= grown != nullptr && block != nullptr;
+  return grown;
 }
 
 char *test_strndup(const char *text, size_t most) {
@@ -93,6 +96,12 @@ DIR *test_opendir(const char *path) { return strikes("opendir") ? nullptr : open
 namespace test {
 
 void fail(const char *call, int nth, int error) { armed = {call, nth, error, 0}; }
+
+bool strikes(const char *call) {
+  if (std::strcmp(call, armed.call) != 0 || ++armed.seen != armed.nth) return false;
+  errno = armed.error;
+  return true;
+}
 
 int calls_seen() { return armed.seen; }
 

@@ -77,16 +77,16 @@ const char *cfg_get(cfg_handle store, const char *format, ...) {
   return found;
 }
 
-const char *cfg_get_value(cfg_handle store, int, const char *key) { return store->keys.find(key); }
+const char *cfg_get_value(cfg_handle store, int /*zero*/, const char *key) { return store->keys.find(key); }
 
-uint32_t cfg_get_uint32_value(cfg_handle store, int, const char *key) {
+uint32_t cfg_get_uint32_value(cfg_handle store, int /*zero*/, const char *key) {
   const char *text = store->keys.find(key);
   if (text == nullptr) return 0;
   const long long number = std::strtoll(text, nullptr, 10);
   return static_cast<uint32_t>(std::clamp<long long>(number, INT32_MIN, UINT32_MAX));
 }
 
-uint32_t cfg_get_bool_value(cfg_handle store, int, const char *key) {
+uint32_t cfg_get_bool_value(cfg_handle store, int /*zero*/, const char *key) {
   const char *text = store->keys.find(key);
   if (text == nullptr) return 0;
   for (const char *word : {"1", "true", "yes", "on", "enabled"}) {

@@ -102,6 +102,7 @@ struct row_array {
   }
 
   // Releases the rows with all they own.
+  // NOLINTNEXTLINE(misc-no-recursion): a list in a list is as deep as it goes
   void drop(const caps_list &list) {
     for (; count != 0; --count) {
       void *last = row(list, count - 1);
@@ -116,6 +117,7 @@ struct row_array {
 
 void load_list(void *owner, const caps_list &list, cfg_handle cfg, const char *prefix);
 
+// NOLINTBEGIN(misc-no-recursion): a list in a list is as deep as it goes
 void load_row(void *row, const caps_list &list, cfg_handle cfg, const char *prefix) {
   for (const caps_field &field : list.fields) get_field(row, field, cfg, prefix);
   if (list.inner != nullptr) {
@@ -140,6 +142,8 @@ void load_list(void *owner, const caps_list &list, cfg_handle cfg, const char *p
   cfg_free_iterator(first);
   array.keep_in(owner, list);
 }
+
+// NOLINTEND(misc-no-recursion)
 
 void load(cfg_handle cfg) {
   product_caps.loaded = 1;  // what follows can lose parts, but not fail as a whole

@@ -90,6 +90,7 @@ void work_out_bounds(void *row) {
   int high = 0;
   char separator = '\0';
   if (range->range.present == 0) return;
+  // NOLINTNEXTLINE(cert-err34-c): what sscanf takes for a range is one
   if (std::sscanf(range->range.value, " %d %c %d", &low, &separator, &high) != 3 || separator != '-') return;
   range->low = moved(low, -margin);
   range->high = moved(high, margin);

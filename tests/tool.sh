@@ -20,5 +20,12 @@ expect 1 '' 'devfacts: no interface "lo0"' net lo0
 expect 2 '' $'devfacts: no command given\nusage: *'
 expect 2 '' $'devfacts: no such command: ney\nusage: *' ney
 expect 2 '' $'devfacts: too many arguments: eth1\nusage: *' net lo eth1
+expect 1 '' 'devfacts: no value of "a.b"' config a.b
+expect 2 '' $'devfacts: too few arguments: config\nusage: *' config
+expect 1 $'<product>\n*<product_name>product</product_name>\n*</product>' 'devfacts: cannot load the product description' product
+mount --bind "$(dirname "$0")/../examples/device/etc" /etc
+expect 0 'ra1' '' product radio.1.master
+expect 1 '' 'devfacts: no value of "radio.%d.master"' product radio.%d.master
+expect 0 $'<product>*\n <radio>\n*<txpower_offset>-2<*<low>2402<*\n <limit_table>\n*<led_rssi>*</product>' '' product
 "${tool[@]}" net >/dev/full 2>/dev/null && { echo "a full disk goes unnoticed"; failed=1; }
 exit $failed

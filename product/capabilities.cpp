@@ -2,6 +2,7 @@
 #include <devfacts/product.h>
 
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,6 +20,9 @@ static_assert(sizeof(caps_string) == 2 * sizeof(void *) && sizeof(caps_u32) == 8
 static_assert(sizeof(caps_freq_range) == (sizeof(void *) == 4 ? 56 : 80));
 static_assert(sizeof(caps_radio) == (sizeof(void *) == 4 ? 104 : 136));
 static_assert(sizeof(product_caps_t) == (sizeof(void *) == 4 ? 124 : 232));
+
+// The slots that we call are the first, the second and the eighth.
+static_assert(offsetof(cfg_iterator, index) == sizeof(void *) && offsetof(cfg_iterator, value) == 7 * sizeof(void *));
 
 constinit product_caps_t product_caps{};
 

@@ -1,4 +1,5 @@
-// A device of its own for a case: a fresh process, its root changed to a folder that holds just what the case wrote there.
+// A device of its own for a case: a fresh process, its root changed to a folder that holds just what the case wrote
+// there.
 #pragma once
 
 #include <functional>

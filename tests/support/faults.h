@@ -7,8 +7,8 @@
 
 namespace test {
 
-// The n-th call (from 1) of that name from now on fails with this errno; "allocation" stands for malloc and its kin, "realloc" for that alone. An
-// error of 0 makes getsockname succeed with no address.
+// The n-th call (from 1) of that name from now on fails with this errno; "allocation" stands for malloc and its kin,
+// "realloc" for that alone. An error of 0 makes getsockname succeed with no address.
 void fail(const char *call, int nth, int error);
 
 // To be asked at each call of that name: is this the one that fails?

@@ -43,8 +43,9 @@ class owner_finder {
   using index_filter = bit_filter<65536>;
 
   list_link *last_ = &interfaces;
-  // Off the stack, which may be small. That a collection starts with a block of this size (8 KiB) also moves the C library's
-  // allocator to join the small ones that the last list left, so that the new list lies in order: 0.1 of the limit.
+  // Off the stack, which may be small. That a collection starts with a block of this size (8 KiB) also moves the C
+  // library's allocator to join the small ones that the last list left, so that the new list lies in order: 0.1 of the
+  // limit.
   malloc_ptr<index_filter> indices_{static_cast<index_filter *>(std::calloc(1, sizeof(index_filter)))};
 };
 

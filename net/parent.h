@@ -11,9 +11,9 @@ namespace devfacts {
 int32_t index_of_parent(const char *name);
 
 // Answers the same for the length of one collection. Most interfaces have no parent file, and each failing open costs
-// about as much as the kernel's own account of the interface: so from the second interface on, as the loopback interface
-// is often the only one, the folders that can hold such a file are listed, and a name that is surely not among them is not
-// tried.
+// about as much as the kernel's own account of the interface: so from the second interface on, as the loopback
+// interface is often the only one, the folders that can hold such a file are listed, and a name that is surely not
+// among them is not tried.
 class parent_finder {
  public:
   int32_t find(const char *name) { return may_have_parent(name) ? index_of_parent(name) : 0; }

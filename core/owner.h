@@ -1,7 +1,6 @@
 // Owners: each releases what it holds when it goes out of scope.
 #pragma once
 
-#include <dirent.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -23,7 +22,6 @@ struct release_with {
 template <class T>
 using malloc_ptr = std::unique_ptr<T, release_with<std::free>>;
 using unique_file = std::unique_ptr<FILE, release_with<std::fclose>>;
-using unique_dir = std::unique_ptr<DIR, release_with<closedir>>;
 
 class unique_fd {
  public:

@@ -73,7 +73,7 @@ TEST(inventory, is_a_cache_until_it_is_freed) {
 
 TEST(inventory, parents_come_from_files_where_the_kernel_gives_no_link) {
   shell("for i in 0 1 2 3 4; do ip link add ra$i type bridge; done");
-  for (const char *failing_call : {"", "opendir"}) {
+  for (const char *failing_call : {"", "open", "syscall"}) {
     const outcome result = in_child([=] {
       unshare(CLONE_NEWNS);
       mount("none", "/proc/sys/net", "tmpfs", 0, nullptr);
@@ -163,18 +163,29 @@ TEST(crafted_dump, every_field_and_what_is_missing) {
 }
 
 TEST(crafted_dump, owners_are_those_that_a_search_finds) {
-  std::string links, addresses;
-  for (const int index : {5, 3, 9, 3, 65536 + 5}) links += link(index, 0, "");
+  const struct {
+    std::vector<int> links;
+    const char *owners;
+  } rows[] = {{{5, 3, 9, 3, 65536 + 5}, "xxx-x"}, {{5, 3, 9, 65536 + 6}, "xxx-"}};
+  std::string addresses;
   for (const uint32_t index : {9, 3, 5, 4, 65536 + 5, 65536 + 9}) addresses += address(index, AF_INET, "");
-  const auto look = [] {
-    std::string owners;
-    for (const list_link *each = interfaces.next; each != &interfaces; each = each->next) {
-      const auto *entry = reinterpret_cast<const ifi_entry *>(each);
-      owners += entry->addrs.next != &entry->addrs ? 'x' : '-';
+  for (const auto &row : rows) {
+    for (const int others : {0, 28, 100}) {  // interfaces without addresses, before and behind
+      std::string links;
+      for (int i = 0; i < others; ++i) links += link(100 + i, 0, "");
+      for (const int index : row.links) links += link(index, 0, "");
+      for (int i = 0; i < others; ++i) links += link(300 + i, 0, "");
+      const auto look = [&] {
+        std::string owners;
+        for (const list_link *each = interfaces.next; each != &interfaces; each = each->next) {
+          const auto *entry = reinterpret_cast<const ifi_entry *>(each);
+          owners += entry->addrs.next != &entry->addrs ? 'x' : '-';
+        }
+        EXPECT_EQ(owners, std::string(others, '-') + row.owners + std::string(others, '-')) << others;
+      };
+      expect_clean([&] { with_dump(links, addresses, look); });
     }
-    EXPECT_EQ(owners, "xxx-x");
-  };
-  expect_clean([&] { with_dump(links, addresses, look); });
+  }
 }
 
 TEST(crafted_dump, a_message_too_short_for_its_record_reads_as_zero) {
@@ -190,7 +201,7 @@ TEST(crafted_dump, a_message_too_short_for_its_record_reads_as_zero) {
 
 TEST(crafted_dump, each_failing_allocation_costs_its_own_field_alone) {
   const std::string owned = address(7, AF_INET, attribute(IFA_ADDRESS, "abcd") + attribute(IFA_BROADCAST, "efgh"));
-  enum { index_filter = 1, record, name, stats, address_record, addr, broadcast, none };
+  enum { record = 1, name, stats, address_record, addr, broadcast, none };
   const auto body = [&](int nth) {
     fail("allocation", nth, ENOMEM);
     with_dump(full_link, owned, [&] {
@@ -204,7 +215,7 @@ TEST(crafted_dump, each_failing_allocation_costs_its_own_field_alone) {
       EXPECT_EQ(calls_seen(), none - 1);
     });
   };
-  for (int nth = index_filter; nth <= none; ++nth) {
+  for (int nth = record; nth <= none; ++nth) {
     if (nth == record) {
       expect_death("out of memory, Cannot allocate memory\n", [&] { body(nth); });
     } else {

@@ -1,7 +1,8 @@
 #include "faults.h"
 
-#include <dirent.h>
+#include <fcntl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -90,7 +91,11 @@ ssize_t test_recvmsg(int fd, msghdr *message, int flags) {
       datagram.copy(static_cast<char *>(message->msg_iov->iov_base), message->msg_iov->iov_len));
 }
 
-DIR *test_opendir(const char *path) { return strikes("opendir") ? nullptr : opendir(path); }
+int test_open64(const char *path, int flags) { return strikes("open") ? -1 : open(path, flags); }
+
+long test_syscall(long number, int fd, void *bytes, size_t size) {
+  return strikes("syscall") ? -1 : syscall(number, fd, bytes, size);
+}
 }
 
 namespace test {

@@ -83,9 +83,9 @@ Record record_of(const nlmsghdr *message) {
 // The attributes behind the header and the record, sorted by type into the table.
 template <class Record, size_t Slots>
 void parse_attributes(nlmsghdr *message, rtattr *(&table)[Slots]) {
-  constexpr int offset = NLMSG_LENGTH(sizeof(Record));
+  constexpr uint32_t offset = NLMSG_LENGTH(sizeof(Record));
   auto *first = reinterpret_cast<rtattr *>(reinterpret_cast<char *>(message) + offset);
-  nl_parse_rtattr(table, Slots - 1, first, static_cast<int>(message->nlmsg_len) - offset);
+  nl_parse_rtattr(table, Slots - 1, first, static_cast<int>(message->nlmsg_len - offset));
 }
 
 void copy_link_addresses(ifi_entry *entry, const rtattr *const *table) {

@@ -20,6 +20,7 @@ constexpr int receive_pages = 4;
 struct dump_request {
   nlmsghdr header;
   rtgenmsg body;
+  uint8_t padding[3];
 };
 static_assert(sizeof(dump_request) == 20);
 
@@ -31,8 +32,9 @@ void set_socket_buffer(int fd, int option, const char *failure) {
 
 [[noreturn]] void die_of_error_message(const nlmsghdr *message) {
   if (message->nlmsg_len < NLMSG_LENGTH(sizeof(nlmsgerr))) die("netlink error message truncated.\n");
-  const int error = static_cast<const nlmsgerr *>(NLMSG_DATA(message))->error;
-  if (error != 0) die("netlink error (%d), %s\n", -error, std::strerror(-error));
+  const auto error = static_cast<uint32_t>(static_cast<const nlmsgerr *>(NLMSG_DATA(message))->error);
+  const int code = static_cast<int>(-error);  // unsigned, as the least number has no negative
+  if (code != 0) die("netlink error (%d), %s\n", code, std::strerror(code));
   die("netlink communication error ...\n");
 }
 
@@ -104,11 +106,12 @@ void nl_recv(nl_handle *handle, nl_callback callback) {
   iovec piece{};
   msghdr envelope{};
   envelope.msg_name = &sender;
-  envelope.msg_namelen = sizeof sender;
   envelope.msg_iov = &piece;
   envelope.msg_iovlen = 1;
 
   for (;;) {
+    // The kernel leaves the length of the sender's own address here, which may be longer than our room for it.
+    envelope.msg_namelen = sizeof sender;
     piece = {buffer, size};
     const ssize_t received = recvmsg(handle->fd, &envelope, 0);
     if (received < 0 && errno == EINTR) continue;

@@ -27,7 +27,9 @@ struct directory_record {
 static_assert(offsetof(directory_record, name) == 19);
 
 // No kernel gives such a name, and it stands for a path that the folders do not tell of.
-bool is_path(const char *name) { return *name == '\0' || std::strchr(name, '/') != nullptr; }
+bool is_path(const char *name) {
+  return *name == '\0' || std::strlen(name) >= IF_NAMESIZE || std::strchr(name, '/') != nullptr;
+}
 
 }  // namespace
 
@@ -74,8 +76,7 @@ void parent_finder::list_folders() {
 int iw_parent_name(const char *name, char *buffer, int size) {
   if (name == nullptr) return -1;
   char path[128];
-  const int length = std::snprintf(path, sizeof path, SYSCTL_NET "/%s/%%parent", name);
-  if (length >= static_cast<int>(sizeof path)) return -1;
+  std::snprintf(path, sizeof path, SYSCTL_NET "/%s/%%parent", name);
   const devfacts::unique_file file{std::fopen(path, "re")};
   if (!file || std::fgets(buffer, size, file.get()) == nullptr) return -1;
   trimr_string(buffer);

@@ -28,6 +28,8 @@ exit_status refuse(const char *what, const char *word) {
   return wrong_usage;
 }
 
+bool is_help(const char *word) { return std::strcmp(word, "--help") == 0 || std::strcmp(word, "-h") == 0; }
+
 const command *find_command(const char *name) {
   for (const command &each : commands) {
     if (std::strcmp(each.name, name) == 0) return &each;
@@ -37,7 +39,7 @@ const command *find_command(const char *name) {
 
 exit_status run(int count, char **words) {
   if (count < 1) return refuse("no command given", "");
-  if (std::strcmp(words[0], "--help") == 0) return print_usage(stdout), done;
+  if (is_help(words[0]) || (count > 1 && is_help(words[1]))) return print_usage(stdout), done;
   if (std::strcmp(words[0], "--version") == 0) return std::puts("devfacts " DEVFACTS_VERSION), done;
   const command *chosen = find_command(words[0]);
   if (chosen == nullptr) return refuse("no such command", words[0]);

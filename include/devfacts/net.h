@@ -83,7 +83,7 @@ DEVFACTS_API list_link *ifi_get_all_ip(void);
 /**
  * Searches the list as it stands; nothing is asked of the kernel.
  *
- * @param name an interface name. A record without a name never matches.
+ * @param name an interface name, not null. A record without a name never matches.
  * @return the first record of that name, null where there is none. It belongs to the list.
  */
 DEVFACTS_API ifi_entry *ifi_find_by_name(const char *name);
@@ -150,7 +150,8 @@ DEVFACTS_API int nl_collect_interface(struct nlmsghdr *message);
 /**
  * The parent of a virtual interface: the first line of /proc/sys/net/NAME/%parent, without the white space at its end.
  *
- * @param name interface name; null, or one too long for a path of 127 characters, gives -1.
+ * @param name interface name; null gives -1. The path has room for 127 characters and is cut there, so a name that
+ *        long gives -1 in practice; the kernel's have 15 at most.
  * @param buffer room for the parent's name.
  * @param size bytes in @p buffer; at most size - 1 characters of the line are read. Below 1 gives -1.
  * @return 0 with the name in @p buffer; -1 where there is no such file or nothing to read in it (@p buffer is as it
@@ -163,7 +164,8 @@ DEVFACTS_API int iw_parent_name(const char *name, char *buffer, int size);
 /**
  * Prints the list as it stands as one XML document on standard output: the element netstats, in it for each interface
  * name, status ("up" or "down": IFF_UP), master (its name, from if_indextoname()), hwaddr, ipv4 and ipv6 addresses, and
- * the kernel's 23 counters. What there is none of has no line.
+ * the kernel's 23 counters. What there is none of has no line; counters that a
+ * record's kernel did not give print as 0.
  *
  * Fill the list with ifi_get_all_ip() first. Values are printed as they are, with no escaping: the kernel accepts
  * interface names that XML does not, such as "a<b&c", and the document is not well-formed where there is one. Write

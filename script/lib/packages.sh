@@ -5,6 +5,7 @@ is_installed() { dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | gre
 
 # need PACKAGE...: installs the missing ones and says so; where that is not ours to do, names them and gives up.
 need() {
+  command -v dpkg-query >/dev/null || return 0  # another system: its packages have other names
   local package missing=()
   for package in "$@"; do is_installed "$package" || missing+=("$package"); done
   [ ${#missing[@]} -eq 0 ] && return

@@ -13,7 +13,7 @@ constexpr const char *absent = "N/A";
 
 struct entity {
   char byte;
-  std::string_view text;
+  char text[7];  // in place: no relocation
 };
 
 constexpr entity entities[] = {

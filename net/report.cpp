@@ -14,7 +14,8 @@ namespace {
 
 constexpr size_t scratch_size = 512;
 
-constexpr const char *counter_names[] = {
+// Texts in place, not pointers to them, which would cost a relocation each.
+constexpr char counter_names[][20] = {
     "rx_packets",       "tx_packets",        "rx_bytes",          "tx_bytes",        "rx_errors",
     "tx_errors",        "rx_dropped",        "tx_dropped",        "multicast",       "collisions",
     "rx_length_errors", "rx_over_errors",    "rx_crc_errors",     "rx_frame_errors", "rx_fifo_errors",

@@ -17,7 +17,7 @@ constexpr char default_serial_no[] = "0000000000000000";
 // Searched in this order.
 constexpr struct {
   int32_t id;
-  const char *name;
+  char name[8];  // in place: no relocation
 } cpu_table[] = {
     {CPU_ADM5120, "adm5120"}, {CPU_AR2316, "ar2316"}, {CPU_AR2317, "ar2317"}, {CPU_AR5312, "ar5312"},
     {CPU_RT2880, "rt2880"},   {CPU_RT3052, "rt3052"}, {CPU_RT3050, "rt3050"}, {CPU_RT3352, "rt3352"},

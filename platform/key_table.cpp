@@ -25,13 +25,6 @@ unique_fd open_file(const char *path, size_t &size) {
   return file;
 }
 
-// A quarter of the code of std::sort, and needs no memory as qsort() may.
-template <class T, class Before>
-void heap_sort(std::span<T> rows, Before before) {
-  std::make_heap(rows.begin(), rows.end(), before);
-  std::sort_heap(rows.begin(), rows.end(), before);
-}
-
 // No index has a second spelling.
 bool parse_index(const char *text, const char *end, int &index) {
   if (*text == '-' || (*text == '0' && end - text > 1)) return false;
@@ -135,7 +128,7 @@ bool key_table::take_lines(file_text &text, array<entry> &entries) {
 
 // Of the lines of a key only the last one stays.
 void key_table::sort(array<entry> &entries) {
-  heap_sort(entries.all(), [](const entry &a, const entry &b) {
+  std::ranges::sort(entries.all(), [](const entry &a, const entry &b) {
     const int order = std::strcmp(a.key, b.key);
     return order != 0 ? order < 0 : a.order < b.order;
   });
@@ -156,7 +149,7 @@ bool key_table::collect_indices(const array<entry> &entries, array<indexed_value
   for (const entry &each : entries.all()) {
     for_each_index(each.key, each.value, [&](const indexed_value &found) { indices.append(found); });
   }
-  heap_sort(indices.all(), [](const indexed_value &a, const indexed_value &b) { return a.at < b.at; });
+  std::ranges::sort(indices.all(), {}, &indexed_value::at);
   return true;
 }
 

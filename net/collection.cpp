@@ -93,9 +93,14 @@ void copy_link_addresses(ifi_entry *entry, const rtattr *const *table) {
   if (table[IFLA_BROADCAST] != nullptr) nla_copy(entry->broadcast, table[IFLA_BROADCAST], sizeof entry->broadcast);
 }
 
-int32_t parent_of(const char *name, const rtattr *link) {
-  if (link != nullptr) return static_cast<int32_t>(nla_get_u32(link));
-  return running != nullptr ? running->parents.find(name) : index_of_parent(name);
+void set_parent(ifi_entry *entry, const rtattr *link) {
+  if (link != nullptr) {
+    entry->master = static_cast<int32_t>(nla_get_u32(link));
+  } else if (running != nullptr) {
+    running->parents.add(entry);
+  } else {
+    find_parent(entry);
+  }
 }
 
 // Room for the longest address, so that one cut short reads as zero behind its end.
@@ -131,6 +136,7 @@ list_link *collect(with what) {
   nl_open(&handle, NETLINK_ROUTE, 0);
   nl_dump(&handle, RTM_GETLINK);
   nl_recv(&handle, nl_collect_interface);
+  state.parents.finish();
   if (what == with::addresses) {
     nl_dump(&handle, RTM_GETADDR);
     nl_recv(&handle, nl_collect_address);
@@ -160,7 +166,7 @@ int nl_collect_interface(nlmsghdr *message) {
   if (table[IFLA_STATS] != nullptr) {
     entry->stats = static_cast<rtnl_link_stats *>(nla_memdup_padded(table[IFLA_STATS], sizeof *entry->stats));
   }
-  entry->master = parent_of(entry->name, table[IFLA_LINK]);
+  set_parent(entry, table[IFLA_LINK]);
   if (running != nullptr) running->owners.note(entry->index);
   ifi_register(entry);
   return 0;

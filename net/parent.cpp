@@ -6,10 +6,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+
+#include "core/owner.h"
 
 #define SYSCTL_NET "/proc/sys/net"
 
@@ -33,35 +34,40 @@ bool is_path(const char *name) {
 
 }  // namespace
 
-int32_t index_of_parent(const char *name) {
+void find_parent(ifi_entry *entry) {
   char parent[IF_NAMESIZE + 1];
-  if (iw_parent_name(name, parent, sizeof parent) != 0) return 0;
-  return static_cast<int32_t>(if_nametoindex(parent));
+  if (iw_parent_name(entry->name, parent, sizeof parent) != 0) return;
+  entry->master = static_cast<int32_t>(if_nametoindex(parent));
 }
 
-bool parent_finder::may_have_parent(const char *name) {
-  if (name == nullptr) return false;
-  if (is_path(name)) return true;
-  if (state_ == opening) {
-    sysctl_net_.reset(open(SYSCTL_NET, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    state_ = asking;
-    return has_folder(name);
+void parent_finder::add(ifi_entry *entry) {
+  if (first_ == nullptr) {
+    first_ = entry;
+    return;
   }
-  if (state_ == asking) list_folders();
-  return folders_.may_hold(text_key(name));
+  if (!listed_) {
+    list_folders();
+    find(first_);
+  }
+  find(entry);
 }
 
-// Only a clear no counts as one.
-bool parent_finder::has_folder(const char *name) const {
-  return faccessat(sysctl_net_.get(), name, F_OK, 0) == 0 || errno != ENOENT;
+void parent_finder::finish() {
+  if (first_ != nullptr && !listed_) find_parent(first_);
+}
+
+void parent_finder::find(ifi_entry *entry) const {
+  const char *name = entry->name;
+  if (name != nullptr && (is_path(name) || folders_.may_hold(text_key(name)))) find_parent(entry);
 }
 
 // Read from the kernel directly: the C library's way costs a block of 32 KiB. Where it fails every name is tried.
 void parent_finder::list_folders() {
-  state_ = listed;
+  listed_ = true;
+  const unique_fd folder{open(SYSCTL_NET, O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
   alignas(directory_record) char buffer[1024];
   long size = 0;
-  while ((size = syscall(SYS_getdents64, sysctl_net_.get(), buffer, sizeof buffer)) > 0) {
+  while ((size = syscall(SYS_getdents64, folder.get(), buffer, sizeof buffer)) > 0) {
     for (const char *at = buffer; at < buffer + size;) {
       const auto *record = reinterpret_cast<const directory_record *>(at);
       folders_.add(text_key(record->name));
@@ -77,8 +83,12 @@ int iw_parent_name(const char *name, char *buffer, int size) {
   if (name == nullptr) return -1;
   char path[128];
   std::snprintf(path, sizeof path, SYSCTL_NET "/%s/%%parent", name);
-  const devfacts::unique_file file{std::fopen(path, "re")};
-  if (!file || std::fgets(buffer, size, file.get()) == nullptr) return -1;
+  devfacts::unique_fd fd{open(path, O_RDONLY | O_CLOEXEC)};
+  if (!fd) return -1;
+  const devfacts::unique_file file{fdopen(fd.get(), "r")};
+  if (!file) return -1;
+  static_cast<void>(fd.release());
+  if (std::fgets(buffer, size, file.get()) == nullptr) return -1;
   trimr_string(buffer);
   return 0;
 }

@@ -3,29 +3,29 @@
 
 #include <devfacts/net.h>
 
-#include "core/owner.h"
 #include "net/bit_filter.h"
 
 namespace devfacts {
 
-// The index of the interface's parent by iw_parent_name(), 0 where it has none.
-int32_t index_of_parent(const char *name);
+// Sets the interface's master by iw_parent_name(); it stays 0 where that finds none.
+void find_parent(ifi_entry *entry);
 
-// Answers the same for the length of one collection. Most interfaces have no parent file, nor the folder that would
-// hold it, and each failing open costs about as much as the kernel's own account of the interface: so only names with a
-// folder are tried. The first folder is asked for by its name, as the loopback interface is often the only one without
-// a link; from the second interface on the folders are listed once.
+// Does the same for the length of one collection. Most interfaces have no parent file, nor the folder that would hold
+// it, and each failing open costs about as much as the kernel's own account of the interface: so the folders are listed
+// once, and only names among them are tried. Loopback is often the only interface without a link, so the first one
+// waits until there is a second; alone it is tried in the end.
 class parent_finder {
  public:
-  int32_t find(const char *name) { return may_have_parent(name) ? index_of_parent(name) : 0; }
+  // Sets the master of an interface that stays where it is, at the latest in finish().
+  void add(ifi_entry *entry);
+  void finish();
 
  private:
-  bool may_have_parent(const char *name);
-  bool has_folder(const char *name) const;
+  void find(ifi_entry *entry) const;
   void list_folders();
 
-  enum { opening, asking, listed } state_ = opening;
-  unique_fd sysctl_net_;
+  ifi_entry *first_ = nullptr;
+  bool listed_ = false;
   bit_filter<1024> folders_;
 };
 

@@ -57,8 +57,11 @@ void devfacts::nla_copy(void *destination, const rtattr *attribute, size_t room)
 void *devfacts::nla_memdup_padded(const rtattr *attribute, size_t least) {
   const size_t size = payload_size(attribute);
   if (size == 0) return nullptr;
-  void *copy = std::calloc(std::max(size, least) + 1, 1);
-  return copy == nullptr ? nullptr : nla_memcpy(copy, attribute, size);
+  const size_t room = std::max(size, least) + 1;
+  auto *copy = static_cast<char *>(std::malloc(room));
+  if (copy == nullptr) return nullptr;
+  std::memset(copy + size, 0, room - size);
+  return nla_memcpy(copy, attribute, size);
 }
 
 void *nla_memdup(const rtattr *attribute) { return devfacts::nla_memdup_padded(attribute, 0); }

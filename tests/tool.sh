@@ -26,6 +26,6 @@ expect 1 $'<product>\n*<product_name>product</product_name>\n*</product>' 'devfa
 mount --bind "$(dirname "$0")/../examples/device/etc" /etc
 expect 0 'ra1' '' product radio.1.master
 expect 1 '' 'devfacts: no value of "radio.%d.master"' product radio.%d.master
-expect 0 $'<product>*\n <radio>\n*<txpower_offset>-2<*<low>2402<*\n <limit_table>\n*<led_rssi>*</product>' '' product
+expect 0 $'<product>\n*<radio>*</product>' '' product
 "${tool[@]}" net >/dev/full 2>/dev/null && { echo "a full disk goes unnoticed"; failed=1; }
 exit $failed

@@ -1,33 +1,29 @@
-#include "faults.h"
-
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
+
+#include "test.h"
 
 namespace {
 
 struct {
   const char *call = "";
-  int nth = 0;
-  int error = 0;
-  int seen = 0;
+  int nth = 0, error = 0, seen = 0;
 } armed;
 
 long live = 0;
 size_t newest = 0;
 std::vector<std::string> canned;
 
-template <class Allocate>
-auto allocation(size_t size, Allocate allocate) {
-  decltype(allocate()) block = test::strikes("allocation") ? nullptr : allocate();
-  live += block != nullptr;
+void *resized(void *block, size_t size) {
+  void *made = test::strikes("allocation") ? nullptr : realloc(block, size);
+  live += made != nullptr && block == nullptr;
   newest = size;
-  return block;
+  return made;
 }
 
 }  // namespace
@@ -37,23 +33,19 @@ using test::strikes;
 // The library's undefined name x is test_x here.
 extern "C" {
 
-void *test_malloc(size_t size) {
-  return allocation(size, [=] { return malloc(size); });
-}
+void *test_malloc(size_t size) { return resized(nullptr, size); }
 
 void *test_calloc(size_t count, size_t size) {
-  return allocation(count * size, [=] { return calloc(count, size); });
+  void *made = resized(nullptr, count * size);
+  return made == nullptr ? nullptr : std::memset(made, 0, count * size);
 }
 
-void *test_realloc(void *block, size_t size) {
-  if (strikes("realloc")) return nullptr;
-  void *grown = allocation(size, [=] { return realloc(block, size); });
-  live -= grown != nullptr && block != nullptr;
-  return grown;
-}
+void *test_realloc(void *block, size_t size) { return strikes("realloc") ? nullptr : resized(block, size); }
 
 char *test_strndup(const char *text, size_t most) {
-  return allocation(most, [=] { return strndup(text, most); });
+  const size_t length = strnlen(text, most);
+  void *made = test_calloc(length + 1, 1);
+  return static_cast<char *>(made == nullptr ? nullptr : std::memcpy(made, text, length));
 }
 
 void test_free(void *block) {
@@ -98,22 +90,18 @@ long test_syscall(long number, int fd, void *bytes, size_t size) {
 }
 }
 
-namespace test {
+void test::fail(const char *call, int nth, int error) { armed = {call, nth, error, 0}; }
 
-void fail(const char *call, int nth, int error) { armed = {call, nth, error, 0}; }
-
-bool strikes(const char *call) {
+bool test::strikes(const char *call) {
   if (std::strcmp(call, armed.call) != 0 || ++armed.seen != armed.nth) return false;
   errno = armed.error;
   return true;
 }
 
-int calls_seen() { return armed.seen; }
+int test::calls_seen() { return armed.seen; }
 
-long live_blocks() { return live; }
+long test::live_blocks() { return live; }
 
-size_t newest_size() { return newest; }
+size_t test::newest_size() { return newest; }
 
-void receive_instead(const std::vector<std::string> &datagrams) { canned = datagrams; }
-
-}  // namespace test
+void test::receive_instead(const std::vector<std::string> &datagrams) { canned = datagrams; }

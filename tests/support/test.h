@@ -1,0 +1,86 @@
+// What the tests share: fresh processes, faults at the library's boundary, messages made byte by byte.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace test {
+
+// The library keeps state for as long as its process lives, so cases run in a forked child that ends by itself within a
+// minute. Gives "OUT|ERR|STATUS": what the body wrote, and the exit status, or 128 and the signal. Expectations that
+// fail in the body give status 99, with their text in OUT.
+std::string run(const std::function<void()> &body);
+void expect_run(const std::string &end, const std::function<void()> &body);
+
+// The same on a device of its own, the root changed to a folder that holds just what the body writes there.
+std::string run_on_device(const std::function<void()> &body);
+void on_device(const std::function<void()> &body, const std::string &end = "||0");
+
+// Puts a file in the place of whatever stood there; folders on the way are made.
+void write_file(const std::string &path, const std::string &text);
+
+// What the shell command prints; the test fails where the command does. The working folder is tests/data.
+std::string shell(const std::string &command);
+
+// Under the user emulation the kernel's own link messages come through with their last empty attribute unswapped, which
+// the attribute walk rightly warns of.
+inline constexpr bool emulated = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
+
+// In the copy of the library that the tests link, the n-th call (from 1) of that name from now on fails with this
+// errno; "allocation" stands for malloc and its kin, "realloc" for that alone. An error of 0 makes getsockname succeed
+// with no address.
+void fail(const char *call, int nth, int error);
+
+// To be asked at each call of that name: is this the one that fails?
+bool strikes(const char *call);
+
+// Calls of the name that fail() armed last, since then.
+int calls_seen();
+
+// Blocks that the library has allocated and not freed, and the size of the newest one.
+long live_blocks();
+size_t newest_size();
+
+// The library's recvmsg gives these datagrams, one a call, before it asks the kernel again.
+void receive_instead(const std::vector<std::string> &datagrams);
+
+// The calls of the store since this was asked last, a line each: the operation without its "cfg_", and its key or path.
+std::string asked();
+
+template <class T>
+std::string bytes_of(const T &record) {
+  return {reinterpret_cast<const char *>(&record), sizeof record};
+}
+
+inline std::string padded(std::string bytes) { return bytes.append(-bytes.size() % 4, '\0'); }
+
+// Messages and attributes can lie about their length.
+inline std::string message(uint16_t type, const std::string &payload, int64_t claimed = -1) {
+  const nlmsghdr header{static_cast<uint32_t>(claimed < 0 ? 16 + payload.size() : claimed), type, 0, 0, 0};
+  return padded(bytes_of(header) + payload);
+}
+
+inline std::string attribute(uint16_t type, const std::string &payload, int64_t claimed = -1) {
+  const rtattr header{static_cast<uint16_t>(claimed < 0 ? 4 + payload.size() : claimed), type};
+  return padded(bytes_of(header) + payload);
+}
+
+inline std::string link(int index, uint32_t flags, const std::string &attributes) {
+  return message(RTM_NEWLINK, bytes_of(ifinfomsg{AF_UNSPEC, 0, 1, index, flags, 0}) + attributes);
+}
+
+inline std::string address(uint32_t index, uint8_t family, const std::string &attributes) {
+  return message(RTM_NEWADDR, bytes_of(ifaddrmsg{family, 24, 0, 0, index}) + attributes);
+}
+
+inline std::string done() { return message(NLMSG_DONE, ""); }
+
+}  // namespace test

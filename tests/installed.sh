@@ -13,9 +13,8 @@ cc -std=c99 -Wall -Wextra -Wpedantic -Werror "$2/examples/interfaces.c" "${flags
 cmake -S "$2/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$root" >/dev/null
 cmake --build "$work/consumer" >/dev/null
 
-lo='  <name>lo</name>'
-for program in "$work/consumer/shared-consumer" "$work/consumer/static-consumer" "$root/bin/devfacts net"; do
-  [[ $program = *net ]] && program=("$root/bin/devfacts" net) || program=("$program")
-  "${program[@]}" | grep -qxF "$lo" || { echo "${program[*]}: does not list lo"; exit 1; }
-done
+lists_lo() { "$@" | grep -qxF '  <name>lo</name>' || { echo "$*: does not list lo"; exit 1; }; }
+lists_lo "$work/consumer/shared-consumer"
+lists_lo "$work/consumer/static-consumer"
+lists_lo "$root/bin/devfacts" net
 LD_LIBRARY_PATH=$(dirname "$pc") "$work/example" | grep -q '^1: lo' || { echo "the example does not list lo"; exit 1; }

@@ -6,8 +6,7 @@ trap 'rm -f "$err"' EXIT
 expect() { # STATUS OUT-PATTERN ERR-PATTERN ARGUMENT...: patterns are of the whole text
   local status out wanted=$1 out_pattern=$2 err_pattern=$3
   shift 3
-  out=$("${tool[@]}" "$@" 2>"$err")
-  status=$?
+  out=$("${tool[@]}" "$@" 2>"$err") && status=0 || status=$?
   [[ $status = "$wanted" && $out == $out_pattern && $(grep -v Deficit "$err") == $err_pattern ]] && return
   printf 'devfacts %s: status %s\n%s\n%s\n' "$*" "$status" "$out" "$(cat "$err")"
   failed=1

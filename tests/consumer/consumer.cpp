@@ -4,7 +4,6 @@
 
 int main() {
   xml_str_item("product", product_name());
-  for (list_link *link = ifi_get_all()->next; link != &interfaces; link = link->next) {
+  for (list_link *link = ifi_get_all()->next; link != &interfaces; link = link->next)
     xml_str_item("name", reinterpret_cast<ifi_entry *>(link)->name);
-  }
 }

@@ -8,25 +8,21 @@
 
 #include "test.h"
 
-namespace {
-
-struct {
+static struct {
   const char *call = "";
   int nth = 0, error = 0, seen = 0;
 } armed;
 
-long live = 0;
-size_t newest = 0;
-std::vector<std::string> canned;
+static long live = 0;
+static size_t newest = 0;
+static std::vector<std::string> canned;
 
-void *resized(void *block, size_t size) {
+static void *resized(void *block, size_t size) {
   void *made = test::strikes("allocation") ? nullptr : realloc(block, size);
   live += made != nullptr && block == nullptr;
   newest = size;
   return made;
 }
-
-}  // namespace
 
 using test::strikes;
 
@@ -53,15 +49,13 @@ void test_free(void *block) {
   free(block);
 }
 
-int test_socket(int domain, int type, int protocol) { return strikes("socket") ? -1 : socket(domain, type, protocol); }
-
-int test_setsockopt(int fd, int level, int option, const void *value, socklen_t size) {
-  return strikes("setsockopt") ? -1 : setsockopt(fd, level, option, value, size);
-}
-
-int test_bind(int fd, const sockaddr *address, socklen_t size) {
-  return strikes("bind") ? -1 : bind(fd, address, size);
-}
+#define FAULTY(result, call, parameters, ...) \
+  result test_##call parameters { return strikes(#call) ? -1 : call(__VA_ARGS__); }
+FAULTY(int, socket, (int domain, int type, int protocol), domain, type, protocol)
+FAULTY(int, setsockopt, (int fd, int level, int option, const void *value, socklen_t size), fd, level, option, value,
+       size)
+FAULTY(int, bind, (int fd, const sockaddr *address, socklen_t size), fd, address, size)
+FAULTY(ssize_t, send, (int fd, const void *bytes, size_t size, int flags), fd, bytes, size, flags)
 
 int test_getsockname(int fd, sockaddr *address, socklen_t *size) {
   if (!strikes("getsockname")) return getsockname(fd, address, size);
@@ -69,16 +63,12 @@ int test_getsockname(int fd, sockaddr *address, socklen_t *size) {
   return armed.error != 0 ? -1 : 0;
 }
 
-ssize_t test_send(int fd, const void *bytes, size_t size, int flags) {
-  return strikes("send") ? -1 : send(fd, bytes, size, flags);
-}
-
 ssize_t test_recvmsg(int fd, msghdr *message, int flags) {
   if (strikes("recvmsg")) return -1;
   if (canned.empty()) return recvmsg(fd, message, flags);
   const std::string datagram = canned.front();
   canned.erase(canned.begin());
-  message->msg_flags = 0;
+  message->msg_flags = datagram.size() > message->msg_iov->iov_len ? MSG_TRUNC : 0;
   return static_cast<ssize_t>(
       datagram.copy(static_cast<char *>(message->msg_iov->iov_base), message->msg_iov->iov_len));
 }

@@ -1,6 +1,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -19,8 +20,7 @@ std::string test::run(const std::function<void()> &body) {
   const pid_t child = fork();
   if (child == 0) {
     alarm(60);
-    dup2(fileno(out), STDOUT_FILENO);
-    dup2(fileno(err), STDERR_FILENO);
+    dup2(fileno(out), STDOUT_FILENO), dup2(fileno(err), STDERR_FILENO);
     body();
     std::exit(testing::Test::HasFailure() ? 99 : 0);
   }
@@ -59,5 +59,13 @@ std::string test::shell(const std::string &command) {
   FILE *pipe = popen(("set -e; " + command).c_str(), "r");
   const std::string text = rest_of(pipe);
   EXPECT_EQ(pclose(pipe), 0) << command;
+  return text;
+}
+
+std::string test::data(const std::string &name) { return shell("cat " + name); }
+
+std::string test::shown(const void *bytes, size_t count) {
+  std::string text = bytes == nullptr ? "-" : std::string(static_cast<const char *>(bytes), count);
+  std::replace(text.begin(), text.end(), '\0', '.');
   return text;
 }

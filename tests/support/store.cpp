@@ -37,7 +37,7 @@ uint32_t test_cfg_get_bool_value(cfg_handle store, int zero, const char *key) {
 }
 
 cfg_iterator *test_cfg_create_index_iterator(cfg_handle store, const char *prefix, const char *suffix) {
-  noted("walk ", (std::string(prefix) + " " + suffix).c_str());
+  noted(std::string("walk ") + prefix + " ", suffix);
   return cfg_create_index_iterator(store, prefix, suffix);
 }
 

@@ -27,8 +27,12 @@ void on_device(const std::function<void()> &body, const std::string &end = "||0"
 // Puts a file in the place of whatever stood there; folders on the way are made.
 void write_file(const std::string &path, const std::string &text);
 
-// What the shell command prints; the test fails where the command does. The working folder is tests/data.
+// What the shell command prints, in tests/data; the test fails where the command does.
 std::string shell(const std::string &command);
+std::string data(const std::string &name);
+
+// The bytes, each NUL as a dot; "-" for null.
+std::string shown(const void *bytes, size_t count);
 
 // Under the user emulation the kernel's own link messages come through with their last empty attribute unswapped, which
 // the attribute walk rightly warns of.
@@ -39,10 +43,8 @@ inline constexpr bool emulated = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
 // with no address.
 void fail(const char *call, int nth, int error);
 
-// To be asked at each call of that name: is this the one that fails?
+// Is this call of that name the one that fails? How many of that name were there since fail()?
 bool strikes(const char *call);
-
-// Calls of the name that fail() armed last, since then.
 int calls_seen();
 
 // Blocks that the library has allocated and not freed, and the size of the newest one.

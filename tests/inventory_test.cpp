@@ -68,6 +68,9 @@ TEST(inventory, parents_come_from_files_where_the_kernel_gives_no_link) {
     for (const list_link *link = interfaces.next; link != &interfaces; link = link->next) {
       std::printf("%d ", reinterpret_cast<const ifi_entry *>(link)->master);
     }
+    std::string outside = link(9, 0, attribute(IFLA_IFNAME, "ra1"));  // a program may collect by itself
+    nl_collect_interface(reinterpret_cast<nlmsghdr *>(outside.data()));
+    EXPECT_EQ(reinterpret_cast<const ifi_entry *>(interfaces.prev)->master, 1);
   };
   expect_run("1 ||0", [&] { masters(""); });
   shell("for i in 0 1 2 3 4; do ip link add ra$i type bridge; done");

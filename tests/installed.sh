@@ -10,7 +10,7 @@ pc=$(dirname "$(find "$root" -name devfacts.pc)")
 
 eval "flags=($(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs devfacts))"
 cc -std=c99 -Wall -Wextra -Wpedantic -Werror "$2/examples/interfaces.c" "${flags[@]}" -o "$work/example"
-cmake -S "$2/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$root" >/dev/null
+cmake -G Ninja -S "$2/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$root" >/dev/null
 cmake --build "$work/consumer" >/dev/null
 
 lists_lo() { "$@" | grep -qxF '  <name>lo</name>' || { echo "$*: does not list lo"; exit 1; }; }

@@ -20,5 +20,9 @@ struct command {
 exit_status net(char **arguments);
 exit_status product(char **arguments);
 exit_status config(char **arguments);
+exit_status wireless(char **arguments);
+exit_status peers(char **arguments);
+exit_status radio(char **arguments);
+exit_status ethernet(char **arguments);
 
 }  // namespace devfacts::tool

@@ -11,6 +11,10 @@ namespace {
 
 constexpr command commands[] = {
     {"net", "[NAME]", "the interfaces with their addresses and counters, or one of them", 0, 1, net},
+    {"wireless", "NAME", "what a wireless interface is doing", 1, 1, wireless},
+    {"peers", "[NAME]", "the stations connected to it; ra0 without a name", 0, 1, peers},
+    {"radio", "NAME", "its counters and limits alone, from files: no driver is asked", 1, 1, radio},
+    {"ethernet", "NAME", "what a wired link is doing", 1, 1, ethernet},
     {"product", "[KEY]", "the product's identity and capabilities, or one value of its description", 0, 1, product},
     {"config", "KEY", "one value of the system configuration", 1, 1, config},
 };

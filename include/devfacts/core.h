@@ -1,5 +1,6 @@
 /*
- * devfacts/core.h - fatal exit, descriptor flags, the control socket, text trimming and XML items.
+ * devfacts/core.h - fatal exit, descriptor flags, the control socket, text trimming, XML items, and texts of
+ * "key: value" lines.
  *
  * Everything here works on the caller's thread and takes no lock: use one thread at a time.
  */
@@ -8,6 +9,7 @@
 
 #include <devfacts/api.h>
 #include <stdint.h>
+#include <stdio.h>
 
 DEVFACTS_BEGIN_DECLS
 
@@ -150,6 +152,137 @@ DEVFACTS_API void xml_double_item(const char *name, double value);
  *         null when there is no memory for it.
  */
 DEVFACTS_API char *escape_xml(const char *src, char *dst);
+
+/*
+ * Texts of "key: value" lines, as the kernel and its drivers have them under /proc.
+ *
+ * A line is a key, a separator and a value, without the white space (as trimr_string() knows it) at the ends of each.
+ * The separator is the first "=" or ":", whichever comes first; a line without both is split at its first blank (a tab
+ * does not count). Empty lines are passed over. There are no comments, no quotes and no lines that go on. A line of more
+ * than 1023 bytes, its newline included, counts as several lines of at most that many; a NUL byte ends its line.
+ *
+ * A prefix selects the lines that begin with it. It is compared with the line before the split, so it may reach beyond
+ * the key; null and an empty one select all. A selected line that cannot be split (no "=", no ":", no blank) ends the
+ * walk as the end of the file and a read error do. None of these functions prints or keeps anything between calls.
+ */
+
+/**
+ * Called for a line.
+ *
+ * @param context what the caller of the walk gave.
+ * @param key,value the two halves, which may be changed in place and are gone when the callback returns.
+ * @return 0 to go on, anything else to end the walk.
+ */
+typedef int (*iterate_callback)(void *context, char *key, char *value);
+
+/** A slot for the first number; clear it, walk, and look at found. */
+typedef struct first_match_u32 {
+  uint32_t value; /**< the number, a negative one as its two's complement */
+  uint8_t found;  /**< 1 if a line was selected and its value is a number; value means nothing otherwise */
+} first_match_u32;
+
+/** A slot for the first text; clear it, walk, and look at found. */
+typedef struct first_match_string {
+  char *value;   /**< a copy of the value, which the caller frees; null where there is none */
+  uint8_t found; /**< 1 if a line was selected and its value copied */
+} first_match_string;
+
+/** A value that keyvalue() found. */
+typedef struct keyval_entry {
+  char *value;     /**< the text, NUL-terminated */
+  uint32_t length; /**< its length without the NUL */
+} keyval_entry;
+
+/** The values that keyvalue() found; keyval_destroy() releases them. */
+typedef struct keyval_list {
+  keyval_entry *rows; /**< in the order of the file; means nothing while count is 0 */
+  int32_t count;      /**< number of rows */
+} keyval_list;
+
+/**
+ * Walks a file and gives the callback each selected line.
+ *
+ * @param path the file, not null. One that cannot be opened is like an empty one.
+ * @param prefix selects lines, as told above.
+ * @param callback called on this thread; null does nothing.
+ * @param context handed to the callback.
+ */
+DEVFACTS_API void iterate(const char *path, const char *prefix, iterate_callback callback, void *context);
+
+/**
+ * Walks an open stream from its start and gives the callback each selected line.
+ *
+ * @param stream the caller's, at any place; rewind() sets it to its start first. It is left where the walk ended, which
+ * is behind the last line read, and stays open. Null does nothing.
+ * @param prefix selects lines, as told above.
+ * @param callback called on this thread; null does nothing.
+ * @param context handed to the callback.
+ */
+DEVFACTS_API void iterate_raw(FILE *stream, const char *prefix, iterate_callback callback, void *context);
+
+/**
+ * A callback that stores the number of the first line, even where a later line would have a better one.
+ *
+ * The number is the decimal one at the value's start, as strtoul() of a 32-bit long reads it: white space and a sign
+ * allowed, text behind it ignored. Beyond the limits value is UINT32_MAX, and found 0. errno is changed.
+ *
+ * @param context the ::first_match_u32 slot.
+ * @param key not looked at.
+ * @param value the text.
+ * @return always 1, which ends the walk.
+ */
+DEVFACTS_API int __return_first_match_in_u32(void *context, char *key, char *value);
+
+/**
+ * The same for a signed number, as strtol() of a 32-bit long reads it; value holds its two's complement. Beyond the
+ * limits value is the limit, and found 0.
+ *
+ * @param context the ::first_match_u32 slot.
+ * @param key not looked at.
+ * @param value the text.
+ * @return always 1, which ends the walk.
+ */
+DEVFACTS_API int __return_first_match_in_i32(void *context, char *key, char *value);
+
+/**
+ * A callback that stores a copy of the first line's value. Without memory for it value is null and found 0.
+ *
+ * @param context the ::first_match_string slot, whose text the caller frees.
+ * @param key not looked at.
+ * @param value the text.
+ * @return always 1, which ends the walk.
+ */
+DEVFACTS_API int __return_first_match_in_string(void *context, char *key, char *value);
+
+/**
+ * Collects the values of all selected lines of a file; their keys are dropped.
+ *
+ * @param path the file, not null. One that cannot be opened is like an empty one.
+ * @param prefix selects lines, as told above.
+ * @param list what it held is forgotten, not released: count becomes 0 first, and rows is set with the first value. The
+ * caller ends the list with keyval_destroy(). Without memory it is empty, with rows null. A null list does nothing.
+ */
+DEVFACTS_API void keyvalue(const char *path, const char *prefix, keyval_list *list);
+
+/**
+ * Releases the values and the rows of a list and makes it empty, with rows null. A list whose count is 0 is left as it
+ * is, and null does nothing.
+ *
+ * @param list what keyvalue() filled.
+ */
+DEVFACTS_API void keyval_destroy(keyval_list *list);
+
+/**
+ * Reads a hardware address: six groups of hexadecimal digits with ":" between them.
+ *
+ * A group is what strtoul() takes in base 16 (one digit or many, white space and a sign before it, "0x"), as long as it
+ * is below 256. Behind the sixth group stands the end of the text or a ":", and what follows that does not matter.
+ *
+ * @param addr room for six bytes.
+ * @param text NUL-terminated text.
+ * @return 0; -1 where the text holds no such address: the groups before the fault are stored. errno is changed.
+ */
+DEVFACTS_API int parse_macaddr(uint8_t *addr, const char *text);
 
 DEVFACTS_END_DECLS
 

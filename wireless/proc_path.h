@@ -1,0 +1,16 @@
+// Paths of an interface's files under /proc.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+namespace devfacts {
+
+// Puts the name into the format. A path that does not fit is none: what is left of it could be another file's.
+template <size_t Size>
+bool format_path(char (&path)[Size], const char *format, const char *name) {
+  const int length = std::snprintf(path, Size, format, name);
+  return length >= 0 && static_cast<size_t>(length) < Size;
+}
+
+}  // namespace devfacts

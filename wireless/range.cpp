@@ -1,0 +1,89 @@
+// What the driver knows of its own range.
+#include <devfacts/wireless.h>
+#include <linux/wireless.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+#include <span>
+
+#include "core/byte_reader.h"
+#include "wireless/query.h"
+
+using namespace devfacts;
+
+static_assert(sizeof(iw_range_freq) == 16);
+static_assert(offsetof(iw_range_freq, m) == 0);
+static_assert(offsetof(iw_range_freq, e) == 4);
+static_assert(offsetof(iw_range_freq, channel) == 8);
+
+static_assert(sizeof(iw_range_record) == 4392);
+static_assert(offsetof(iw_range_record, num_bitrates) == 52);
+static_assert(offsetof(iw_range_record, bitrate) == 56);
+static_assert(offsetof(iw_range_record, unused184) == 184);
+static_assert(offsetof(iw_range_record, num_frequency) == 306);
+static_assert(offsetof(iw_range_record, freq) == 308);
+static_assert(offsetof(iw_range_record, unused4388) == 4388);
+
+static_assert(std::size(iw_range_record{}.bitrate) == std::size(iw_status{}.bit_rates));
+
+namespace {
+
+constexpr uint32_t channel_list_request = SIOCIWFIRSTPRIV + 13;
+constexpr uint16_t channel_list_size = 2048;
+
+// Mantissa times ten to the exponent. Powers are slow where the processor has no floating-point unit, and the rows of a
+// table mostly share theirs, so the last one is kept.
+class frequency_reader {
+ public:
+  double read(const void *freq) {
+    byte_reader bytes(freq, sizeof(int32_t) + sizeof(int16_t));
+    const auto m = bytes.read<int32_t>();
+    const auto e = bytes.read<int16_t>();
+    if (e != exponent_) power_ = std::pow(10.0, exponent_ = e);
+    return m * power_;
+  }
+
+ private:
+  int16_t exponent_ = 0;
+  double power_ = 1.0;
+};
+
+}  // namespace
+
+int get_range_info(const char *name, iw_range_record *range) {
+  iw_range_record answer[2]{};
+  const iw_point room{answer, sizeof answer, 0};
+  return query(SIOCGIWRANGE, name, room, [&](const iwreq_data &) { *range = answer[0]; });
+}
+
+double iw_freq2double(const void *freq) { return frequency_reader().read(freq); }
+
+int iw_freq_channel(iw_status *status, const char *name) {
+  frequency_reader reader;
+  const auto store = [&](const iwreq_data &answer) { status->frequency = reader.read(&answer.freq); };
+  if (query(SIOCGIWFREQ, name, {}, store) != 0) return -1;
+  iw_range_record range;
+  if (get_range_info(name, &range) != 0) return -1;
+  for (const iw_range_freq &row : std::span(range.freq, range.num_frequency)) {
+    if (reader.read(&row) != status->frequency) continue;
+    status->channel = row.channel;
+    break;
+  }
+  return 0;
+}
+
+int iw_bitrates(iw_status *status, const char *name) {
+  iw_range_record range;
+  if (get_range_info(name, &range) != 0) return -1;
+  const size_t count = std::min<size_t>(range.num_bitrates, std::size(range.bitrate));
+  std::copy_n(range.bitrate, count, status->bit_rates);
+  return 0;
+}
+
+int iw_get_channels(const char *name, uint32_t first_word, void *buffer) {
+  std::memcpy(buffer, &first_word, sizeof first_word);
+  return query(channel_list_request, name, {buffer, channel_list_size, 0}, [](const iwreq_data &) {});
+}

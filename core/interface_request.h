@@ -10,7 +10,8 @@ namespace devfacts {
 
 constexpr size_t request_name_size = 16;  // IFNAMSIZ, of which two headers that exclude each other tell
 
-// A cleared request, a struct ifreq or iwreq, with the name in its first bytes. A longer name is cut, without a NUL then.
+// A cleared request, a struct ifreq or iwreq, with the name in its first bytes. A longer name is cut, without a NUL
+// then.
 template <class Request>
 Request request_about(const char *name) {
   Request request;

@@ -22,8 +22,8 @@ inline int32_t cut(long long number, int32_t /*type*/) {
   return number < 0 ? INT32_MIN : INT32_MAX;
 }
 
-// Stores the number at the start of the text, 0 where there is none, the limit where it is beyond it. Only a true number
-// within the limits gives true; what stands behind it does not matter.
+// Stores the number at the start of the text, 0 where there is none, the limit where it is beyond it. Only a true
+// number within the limits gives true; what stands behind it does not matter.
 template <class Number>
 bool parse_number(const char *text, Number &number) {
   char *end = nullptr;

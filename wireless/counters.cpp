@@ -28,8 +28,8 @@ constexpr struct {
   char format[22];
   int64_t iw_status::*field;
 } states[] = {
-    {" INIT: %lld msecs ", &iw_status::state_init},   {" SCAN: %lld msecs ", &iw_status::state_scan},
-    {" AUTH: %lld msecs ", &iw_status::state_auth},   {" ASSOC: %lld msecs ", &iw_status::state_assoc},
+    {" INIT: %lld msecs ", &iw_status::state_init}, {" SCAN: %lld msecs ", &iw_status::state_scan},
+    {" AUTH: %lld msecs ", &iw_status::state_auth}, {" ASSOC: %lld msecs ", &iw_status::state_assoc},
     {" RUN: %lld msecs ", &iw_status::state_run},
 };
 

@@ -38,7 +38,9 @@ const char *find_text(cfg_handle store, const char *key, int radio) {
   return cfg_key_exists(store, key, radio) != 0 ? cfg_get(store, key, radio) : nullptr;
 }
 
-void iw_parse_limit(const char *text, iw_limit_value &limit) { limit.present = parse_number(text, limit.value) ? 1 : 0; }
+void iw_parse_limit(const char *text, iw_limit_value &limit) {
+  limit.present = parse_number(text, limit.value) ? 1 : 0;
+}
 
 void read_radio(cfg_handle store, int radio) {
   for (const auto &number : numbers) {

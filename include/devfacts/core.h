@@ -158,8 +158,8 @@ DEVFACTS_API char *escape_xml(const char *src, char *dst);
  *
  * A line is a key, a separator and a value, without the white space (as trimr_string() knows it) at the ends of each.
  * The separator is the first "=" or ":", whichever comes first; a line without both is split at its first blank (a tab
- * does not count). Empty lines are passed over. There are no comments, no quotes and no lines that go on. A line of more
- * than 1023 bytes, its newline included, counts as several lines of at most that many; a NUL byte ends its line.
+ * does not count). Empty lines are passed over. There are no comments, no quotes and no lines that go on. A line of
+ * more than 1023 bytes, its newline included, counts as several lines of at most that many; a NUL byte ends its line.
  *
  * A prefix selects the lines that begin with it. It is compared with the line before the split, so it may reach beyond
  * the key; null and an empty one select all. A selected line that cannot be split (no "=", no ":", no blank) ends the

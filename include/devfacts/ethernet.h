@@ -2,9 +2,9 @@
  * devfacts/ethernet.h - what a wired link is doing: speed, duplex, link, supported modes and permanent address, through
  * the ethtool ioctl (SIOCETHTOOL).
  *
- * Nothing here prints, logs or sets errno on purpose. The control socket of ioctl_socket() is process-wide and without a
- * lock: use one thread at a time. When it cannot be made the process ends, as told there. Of a name longer than 16 bytes
- * the kernel gets the first 16.
+ * Nothing here prints, logs or sets errno on purpose. The control socket of ioctl_socket() is process-wide and without
+ * a lock: use one thread at a time. When it cannot be made the process ends, as told there. Of a name longer than 16
+ * bytes the kernel gets the first 16.
  */
 #ifndef DEVFACTS_ETHERNET_H
 #define DEVFACTS_ETHERNET_H

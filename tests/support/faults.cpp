@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -16,6 +17,7 @@ static struct {
 static long live = 0;
 static size_t newest = 0;
 static std::vector<std::string> canned;
+static std::function<int(unsigned long, void *)> driver;
 
 static void *resized(void *block, size_t size) {
   void *made = test::strikes("allocation") ? nullptr : realloc(block, size);
@@ -37,6 +39,11 @@ void *test_calloc(size_t count, size_t size) {
 }
 
 void *test_realloc(void *block, size_t size) { return strikes("realloc") ? nullptr : resized(block, size); }
+
+char *test_strdup(const char *text) {
+  void *made = resized(nullptr, std::strlen(text) + 1);
+  return static_cast<char *>(made == nullptr ? nullptr : std::strcpy(static_cast<char *>(made), text));
+}
 
 char *test_strndup(const char *text, size_t most) {
   const size_t length = strnlen(text, most);
@@ -73,6 +80,11 @@ ssize_t test_recvmsg(int fd, msghdr *message, int flags) {
       datagram.copy(static_cast<char *>(message->msg_iov->iov_base), message->msg_iov->iov_len));
 }
 
+int test_ioctl(int fd, unsigned long number, void *record) {
+  if (strikes("ioctl")) return -1;
+  return driver ? driver(number, record) : ioctl(fd, number, record);
+}
+
 int test_open64(const char *path, int flags) { return strikes("open") ? -1 : open(path, flags); }
 
 long test_syscall(long number, int fd, void *bytes, size_t size) {
@@ -93,5 +105,7 @@ int test::calls_seen() { return armed.seen; }
 long test::live_blocks() { return live; }
 
 size_t test::newest_size() { return newest; }
+
+void test::drive(const std::function<int(unsigned long, void *)> &answer) { driver = answer; }
 
 void test::receive_instead(const std::vector<std::string> &datagrams) { canned = datagrams; }

@@ -10,7 +10,8 @@ static const char *noted(const std::string &operation, const char *what) {
   return what;
 }
 
-// The library's undefined name x is test_x here; some can be made to fail. The library gives finished keys alone.
+// The library's undefined name x is test_x here; some can be made to fail. A key has one index in it at
+// most.
 extern "C" {
 
 cfg_handle test_cfg_create() { return noted("create", ""), test::strikes("cfg_create") ? nullptr : cfg_create(); }
@@ -19,9 +20,13 @@ void test_cfg_destroy(cfg_handle store) { noted("destroy", ""), cfg_destroy(stor
 
 int test_cfg_read_file(cfg_handle store, const char *path) { return cfg_read_file(store, noted("read ", path)); }
 
-int test_cfg_key_exists(cfg_handle store, const char *key, ...) { return cfg_key_exists(store, noted("exists ", key)); }
+int test_cfg_key_exists(cfg_handle store, const char *key, int index) {
+  return cfg_key_exists(store, noted("exists ", key), index);
+}
 
-const char *test_cfg_get(cfg_handle store, const char *key, ...) { return cfg_get(store, noted("get ", key)); }
+const char *test_cfg_get(cfg_handle store, const char *key, int index) {
+  return cfg_get(store, noted("get ", key), index);
+}
 
 const char *test_cfg_get_value(cfg_handle store, int zero, const char *key) {
   return test::strikes("cfg_get_value") ? nullptr : cfg_get_value(store, zero, noted("string ", key));

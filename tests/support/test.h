@@ -51,6 +51,9 @@ int calls_seen();
 long live_blocks();
 size_t newest_size();
 
+// This answers the library's requests from now on, in a driver's place: their number and record, as ioctl has them.
+void drive(const std::function<int(unsigned long, void *)> &answer);
+
 // The library's recvmsg gives these datagrams, one a call, before it asks the kernel again.
 void receive_instead(const std::vector<std::string> &datagrams);
 

@@ -1,0 +1,94 @@
+#include <devfacts/core.h>
+#include <devfacts/ethernet.h>
+#include <linux/ethtool.h>
+#include <net/if.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "support/test.h"
+
+using namespace test;
+
+// A driver that knows its requests, each with the record that it expects.
+int answer(unsigned long number, void *record) {
+  auto &request = *static_cast<ifreq *>(record);
+  if (number != 0x8946 || request.ifr_name != std::string("eth0")) return errno = ENODEV, -1;
+  char *command = request.ifr_data;
+  const auto expect = [&](const std::string &wanted) { EXPECT_EQ(std::string(command, wanted.size()), wanted); };
+  switch (*reinterpret_cast<uint32_t *>(command)) {
+    case ETHTOOL_GSET: {
+      expect(bytes_of(1) + std::string(40, '\0'));
+      ethtool_cmd settings{};
+      settings.speed = 0x1234, settings.speed_hi = 0xffff, settings.duplex = 1, settings.supported = 0x89abcdef;
+      std::memcpy(command, &settings, sizeof settings);
+      return 0;
+    }
+    case ETHTOOL_GLINK:
+      expect(bytes_of(0xa) + bytes_of(0));
+      return reinterpret_cast<ethtool_value *>(command)->data = 0xffffff01, 0;
+    case ETHTOOL_GPERMADDR:
+      expect(bytes_of(0x20) + bytes_of(6) + std::string(8, '\0'));
+      return std::memcpy(command + 8, "permanen", 8), 0;
+  }
+  return errno = EOPNOTSUPP, -1;
+}
+
+TEST(ethernet, a_request_that_fails_is_the_last) {
+  const struct {
+    int speed, duplex, link;
+    uint32_t supported;
+    const char *address;
+  } rows[] = {{0x1234, 1, 1, 0x89abcdef, "perman"},
+              {0, 0, 0, 0, "......"},
+              {0x1234, 1, 0, 0x89abcdef, "......"},
+              {0x1234, 1, 1, 0x89abcdef, "......"}};
+  drive(answer);
+  for (int nth = 0; nth < 4; ++nth) {
+    fail("ioctl", nth, EPERM);
+    const auto &wanted = rows[nth];
+    eth_status status;
+    std::memset(&status, 0x5a, sizeof status);
+    EXPECT_EQ(eth_info(&status, "eth0"), nth == 0 ? 0 : -1);
+    EXPECT_EQ(status.speed, wanted.speed);
+    EXPECT_EQ(status.duplex, wanted.duplex);
+    EXPECT_EQ(status.link, wanted.link);
+    EXPECT_EQ(status.supported, wanted.supported);
+    EXPECT_EQ(shown(status.perm_addr, 6), wanted.address);
+    fail("ioctl", nth, EPERM);
+    EXPECT_EQ(eth_capable("eth0"), nth != 1);
+    const int control = ioctl_socket();
+    fail("ioctl", nth, EPERM);
+    EXPECT_EQ(eth_perm_addr(status.perm_addr, "eth0"), nth == 1 ? -1 : 0);
+    EXPECT_EQ(shown(status.perm_addr, 6), nth == 1 ? "......" : "perman");
+    EXPECT_EQ(close(control), -1) << "the control socket was left open";
+  }
+  EXPECT_EQ(eth_capable("eth1"), 0);
+}
+
+TEST(ethernet, words_of_any_size) {
+  std::string seen;
+  for (const int size : {7, 5, 4, 3, 1, 0, -1}) {
+    for (const uint8_t value : {0, 1, 2, 255}) {
+      char room[] = "???????";
+      eth_status status{};
+      status.link = status.duplex = value;
+      EXPECT_EQ(eth_duplex2str(&status, room, size), value > 1 || size < 1 ? nullptr : room);
+      seen += shown(room, 7) + " ";
+      std::memset(room, '?', 7);
+      EXPECT_EQ(eth_link2str(&status, room, size), value > 1 || size < 1 ? nullptr : room);
+      seen += shown(room, 7) + "\n";
+    }
+  }
+  EXPECT_EQ(seen, data("words"));
+}
+
+TEST(ethernet, a_real_link) {
+  eth_status status;
+  shell("ip link add pair0 type veth peer name pair1; ip link set pair0 up; ip link set pair1 up");
+  EXPECT_EQ(eth_capable("pair0"), 1);
+  EXPECT_EQ(eth_info(&status, "pair0"), 0);
+  EXPECT_EQ(status.speed, 10000);
+  EXPECT_EQ(status.duplex + status.link, 2);
+  EXPECT_EQ(eth_capable("none"), 0);
+}

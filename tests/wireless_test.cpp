@@ -1,0 +1,343 @@
+#include <devfacts/core.h>
+#include <devfacts/product.h>
+#include <devfacts/wireless.h>
+#include <linux/wireless.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstring>
+#include <sstream>
+
+#include "support/test.h"
+#include "tools/command.h"
+
+using namespace test;
+
+using query = int (*)(iw_status *, const char *);
+
+// A driver whose answers a test may change, and what it was asked: number, name, length, flags and first word of the
+// room.
+struct radio {
+  std::string ieee_name = "IEEE 802.11TURBO", essid = "net&5";
+  uint16_t essid_length = 5;
+  uint8_t disabled = 0;
+  iw_freq frequency{241200000, 1, 7, 0xff};
+  iw_range_record range{};
+  std::string log;
+  int refused = 0;
+
+  radio() {
+    range.num_bitrates = 3, range.num_frequency = 255;
+    for (int i = 0; i < 32; ++i) range.bitrate[i] = 1500000 * (i + 1);
+    for (int i = 0; i < 255; ++i) range.freq[i] = {2407 + 5 * i, 6, {0xff, 0xff}, 1000 + i, {}};
+  }
+  void start() {
+    drive([this](unsigned long number, void *record) {
+      return answer(static_cast<int>(number), *static_cast<iwreq *>(record)) ? 0 : (errno = EOPNOTSUPP, -1);
+    });
+  }
+  void note(int number, const iwreq &request) {
+    char line[80];
+    std::snprintf(line, sizeof line, "%x %.16s %u %x\n", number, request.ifr_ifrn.ifrn_name, request.u.data.length,
+                  request.u.data.flags);
+    log += line;
+    const bool has_room = request.u.data.length != 0;
+    EXPECT_TRUE(has_room || shown(&request.u, sizeof request.u) == std::string(sizeof request.u, '.'));
+  }
+  template <class Answer>
+  void fill(const iwreq &request, const Answer &answer) {
+    std::memcpy(request.u.data.pointer, &answer, std::min<size_t>(sizeof answer, request.u.data.length));
+  }
+  bool answer(int number, iwreq &request) {
+    note(number, request);
+    auto &u = request.u;
+    if (number == refused) return false;
+    switch (number) {
+      case 0x8B01: std::memcpy(u.name, ieee_name.data(), 16); break;
+      case 0x8B1B:
+        std::memcpy(u.essid.pointer, essid.data(), essid.size());
+        u.essid.length = essid_length, u.essid.flags = 0x1281;
+        break;
+      case 0x8B07: u.mode = 6; break;
+      case 0x8B05: u.freq = frequency; break;
+      case 0x8B15: u.ap_addr = {1, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14}}; break;
+      case 0x8B21: u.bitrate = {-54000000, 1, 1, 0xffff}; break;
+      case 0x8B0B: fill(request, range), u.data.length = sizeof range; break;
+      case 0x8B0F: fill(request, iw_statistics{0xffff, {1, 0xc3, 0xa1, 0xff}, {}, {}}); break;
+      case 0x8B2B:
+        std::memset(u.data.pointer, 'k', u.data.length);
+        u.data.length = 5, u.data.flags = 0xa802;
+        break;
+      case 0x8B27: u.txpower = {INT32_MIN, 1, disabled, 0xffff}; break;
+      case 0x8BED: fill(request, *"filled"); break;
+      default: return false;
+    }
+    return true;
+  }
+};
+
+std::string bytes(const iw_status &status) { return bytes_of(status); }
+
+void print_status(const char *name) {
+  char text[20];
+  char *arguments[] = {std::strcpy(text, name), nullptr};
+  EXPECT_EQ(devfacts::tool::wireless(arguments), devfacts::tool::done);
+}
+
+TEST(wireless, the_whole_record_comes_from_these_requests_and_files) {
+  const auto body = [product = data("radios"), requests = data("requests")] {
+    write_file("/etc/product", product);
+    write_file("/proc/net/radio0/txstats", "Packets: 4294967295\nRetried\t= 7\n");
+    write_file("/proc/net/radio0/rxstats", "Packets 4000000000 x\nPackets: 5\n Dropped last:9\n");
+    write_file("/proc/net/madwifi/radio0/state_cnt",
+               "INIT:1 msecs SCAN: -2 msecs AUTH:\n3\nmsecs\nASSOC: 4 msecs\nRUN: 9223372036854775807");
+    radio driver;
+    driver.start();
+    print_status("radio0");
+    EXPECT_EQ(driver.log, "8b01 radio0 0 0\n" + requests);
+    EXPECT_NE(asked(), "");
+    const int control = ioctl_socket();
+    iw_status status, again;
+    std::memset(&status, 0x5a, sizeof status), std::memset(&again, 0, sizeof again);
+    for (iw_status *each : {&status, &again}) EXPECT_EQ(iw_info(each, "radio0"), 0);
+    EXPECT_EQ(asked(), "get product.countrycode\n" + 24);
+    EXPECT_EQ(bytes(status), bytes(again));
+    EXPECT_EQ(status.ieee_name + std::string(1, status.ap_addr.sa_data[13]), "IEEE 802.11TURBO\x0e");
+    EXPECT_EQ(close(control), -1) << "the control socket was left open";
+  };
+  on_device(body, data("wireless.xml") + "||0");
+}
+
+TEST(wireless, a_query_that_is_refused_writes_nothing) {
+  const struct {
+    query ask;
+    int request;
+  } rows[] = {
+      {iw_ieee_name, 0x8B01},    {iw_essid, 0x8B1B},   {iw_operation_mode, 0x8B07},
+      {iw_freq_channel, 0x8B05}, {iw_ap_addr, 0x8B15}, {iw_current_bit_rate, 0x8B21},
+      {iw_bitrates, 0x8B0B},     {iw_rssi, 0x8B0F},    {iw_encoding_flags, 0x8B2B},
+      {iw_txpower, 0x8B27},
+  };
+  radio driver;
+  driver.start();
+  for (const auto &[ask, request] : rows) {
+    iw_status status, before;
+    std::memset(&status, 0x5a, sizeof status), std::memcpy(&before, &status, sizeof status);
+    driver.refused = request;
+    EXPECT_EQ(ask(&status, "radio0"), -1);
+    EXPECT_EQ(bytes(status), bytes(before)) << std::hex << request;
+    driver.refused = 0;
+    EXPECT_EQ(ask(&status, "radio0"), 0);
+    EXPECT_NE(bytes(status), bytes(before)) << std::hex << request;
+  }
+  driver.refused = 0x8B0B;
+  iw_status status{};
+  status.channel = 9;
+  EXPECT_EQ(iw_freq_channel(&status, "radio0"), -1);
+  EXPECT_EQ(status.frequency + status.channel, 2412000009.0);
+  iw_range_record range;
+  std::memset(&range, 0x5a, sizeof range);
+  EXPECT_EQ(get_range_info("radio0", &range), -1);
+  EXPECT_EQ(bytes_of(range), std::string(sizeof range, 0x5a));
+}
+
+TEST(wireless, names_reach_the_driver_whole_or_cut) {
+  radio driver;
+  driver.start();
+  const int control = ioctl_socket();
+  for (const char *name : {"", "radio0123456789", "radio01234567890", "radio0123456789012"})
+    EXPECT_EQ(iw_capable(name), 1);
+  driver.refused = 0x8B01;
+  EXPECT_EQ(iw_capable("x"), 0);
+  EXPECT_EQ(driver.log,
+            "8b01  0 0\n8b01 radio0123456789 0 0\n8b01 radio01234567890 0 0\n8b01 radio01234567890 0 0\n8b01 x 0 0\n");
+  EXPECT_EQ(ioctl_socket(), control) << "the control socket was closed";
+}
+
+TEST(wireless, network_names_of_any_length_end_inside_their_field) {
+  for (const uint16_t length : {0, 62, 63, 64, 65535}) {
+    radio driver;
+    driver.essid = std::string(63, 'x'), driver.essid_length = length, driver.disabled = 1;
+    driver.start();
+    iw_status status;
+    std::memset(&status, 'y', sizeof status);
+    EXPECT_EQ(iw_essid(&status, "r") + iw_txpower(&status, "r"), 0);
+    EXPECT_EQ(status.txpower, 0);
+    EXPECT_EQ(status.essid_length, length);
+    EXPECT_EQ(strnlen(status.essid, 64), std::min<size_t>(length, 63));
+    EXPECT_EQ(status.essid_flags, 0x81);
+  }
+}
+
+TEST(wireless, rates_and_channels_stay_inside_their_tables) {
+  const struct {
+    iw_freq frequency;
+    int rows, rates, channel, last_rate;
+  } rows[] = {
+      {{2412, 6, 0, 0}, 255, 31, 1001, -1},      {{2412, 6, 0, 0}, 1, 32, -1, 48000000},
+      {{2407, 6, 0, 0}, 1, 255, 1000, 48000000}, {{367700, 4, 0, 0}, 255, 0, 1254, -1},
+      {{3677, 6, 0, 0}, 254, 33, -1, 48000000},  {{-2412, 6, 0, 0}, 255, 0, -1, -1},
+      {{24120, -1, 0, 0}, 255, 0, 77, -1},       {{2412, 32767, 0, 0}, 255, 0, -1, -1},
+      {{2412, 6, 0, 0}, 0, 0, -1, -1},
+  };
+  for (const auto &[frequency, count, rates, channel, last_rate] : rows) {
+    radio driver;
+    driver.frequency = frequency;
+    driver.range.num_frequency = count, driver.range.num_bitrates = rates;
+    driver.range.freq[7] = {2412, 0, {}, 77, {}}, driver.range.freq[8] = {24120, -1, {}, 78, {}};
+    driver.start();
+    iw_status status;
+    std::memset(&status, -1, sizeof status);
+    EXPECT_EQ(iw_freq_channel(&status, "r") + iw_bitrates(&status, "r"), 0);
+    EXPECT_EQ(status.channel, channel) << count;
+    EXPECT_EQ(status.bit_rates[31], last_rate) << rates;
+    EXPECT_EQ(status.bit_rates[0], rates == 0 ? -1 : 1500000);
+    EXPECT_EQ(status.frequency, iw_freq2double(&frequency));
+  }
+  const char odd[] = "x\xff\xff\xff\xff\0\3";  // at an odd address
+  EXPECT_EQ(iw_freq2double(odd + 1), __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__ ? -1000.0 : -INFINITY);
+}
+
+TEST(wireless, the_private_request_carries_a_word) {
+  radio driver;
+  driver.start();
+  uint32_t room[512]{};
+  EXPECT_EQ(iw_get_channels("r", 0x12345678, room), 0);
+  driver.refused = 0x8BED;
+  EXPECT_EQ(iw_get_channels("r", 0xfeedface, room), -1);
+  EXPECT_EQ(room[0], 0xfeedface);
+  EXPECT_EQ(driver.log, "8bed r 2048 0\n8bed r 2048 0\n");
+}
+
+TEST(wireless, words) {
+  std::string seen;
+  const auto add = [&](const char *word) { seen += word == nullptr ? "- " : word + std::string(" "); };
+  for (const uint32_t mode : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, UINT32_MAX}) add(iw_operation_mode2str(mode));
+  for (const uint32_t flags : {0xE000, 0x6000, 0x2000, 0x1fff, 0x10000}) add(iw_security_mode2str(flags));
+  iw_status status{};
+  for (const int32_t rate : {0, 1500000, 3000000, 6000000}) status.bit_rates[0] = rate, add(iw_bandwidth2str(&status));
+  for (const char *name : {"802.11t", "802.11T"}) std::strcpy(status.ieee_name, name), add(iw_bandwidth2str(&status));
+  EXPECT_EQ(seen,
+            "Auto Ad-Hoc Managed Master Repeater Secondary Monitor - - off restricted open - - "
+            "full quarter half full full turbo ");
+}
+
+// What a counter makes of a file, and the states of theirs.
+TEST(counters, the_first_line_with_the_key_decides) {
+  const std::pair<const char *, int64_t> rows[] = {
+      {"Packets: 12\nPackets: 99", 12},
+      {"x\nword\nPackets 3", 3},
+      {"Packets: x\nPackets: 1", -1},
+      {"Packets\nPackets: 1", -1},
+      {"Packets: 4294967296", -1},
+      {"Packetsize=5", 5},
+      {"packets: 1", -1},
+      {"", -1},
+  };
+  on_device([&] {
+    for (const auto &[file, wanted] : rows) {
+      iw_status status{};
+      status.rx_total = 7;
+      write_file("/proc/net/r/rxstats", file);
+      EXPECT_EQ(iw_rx_total(&status, "r"), wanted < 0 ? -1 : 0) << file;
+      EXPECT_EQ(status.rx_total, wanted < 0 ? 7 : wanted) << file;
+    }
+    iw_status status{};
+    const std::string cut = "r" + std::string(4077, '/');  // leaves room for all but the last letter
+    write_file("/proc/net/r/rxstat", "Packets: 1");
+    for (const char *name : {static_cast<const char *>(nullptr), "none", cut.c_str()})
+      EXPECT_EQ(iw_rx_total(&status, name), -1);
+  });
+}
+
+TEST(counters, state_times_are_set_up_to_the_first_that_is_missing) {
+  const std::pair<const char *, const char *> rows[] = {
+      {"INIT: 1 msecs SCAN: 2 msecs AUTH: 3 msecs ASSOC: 4 msecs RUN: 5", "0 1 2 3 4 5"},
+      {"INIT: 1 msecs\nSCAN: 2 msecs\nASSOC: 4 msecs\n", "-1 1 2 7 7 7"},
+      {" INIT:1 seconds", "-1 1 7 7 7 7"},
+      {"", "-1 7 7 7 7 7"},
+      {"INIT: x", "-1 7 7 7 7 7"},
+  };
+  on_device([&] {
+    iw_status none{};
+    EXPECT_EQ(iw_read_states(&none), -1);
+    for (const auto &[file, wanted] : rows) {
+      write_file("/proc/net/madwifi/r/state_cnt", file);
+      iw_status s{};
+      s.ifname = "r", s.state_init = s.state_scan = s.state_auth = s.state_assoc = s.state_run = 7;
+      std::ostringstream seen;
+      seen << iw_read_states(&s) << " " << s.state_init << " " << s.state_scan << " " << s.state_auth << " "
+           << s.state_assoc << " " << s.state_run;
+      EXPECT_EQ(seen.str(), wanted);
+    }
+  });
+}
+
+TEST(peers, rows_are_added_in_the_order_of_the_file) {
+  const auto body = [file = data("peers")] {
+    char name[] = "ra0", *named[] = {name, nullptr}, *unnamed[] = {nullptr};
+    EXPECT_EQ(devfacts::tool::peers(named), 0);
+    write_file("/proc/net/ra0/peers", file);
+    for (char **arguments : {named, unnamed}) EXPECT_EQ(devfacts::tool::peers(arguments), 0);
+    iw_peers_list list{};
+    const std::string cut = "ra0" + std::string(237, '/');  // leaves room for all but the last letter
+    write_file("/proc/net/ra0/peer", file);
+    for (const char *each : {"ra0", static_cast<const char *>(nullptr), cut.c_str()}) iw_peers(&list, each);
+    EXPECT_EQ(list.count, 6U);
+    for (int i = 0; i < 2; ++i) iw_peers_free(&list), iw_peers_free(nullptr);
+    EXPECT_TRUE(list.count == 0 && list.rows == nullptr && live_blocks() == 0);
+    fail("realloc", 3, ENOMEM);
+    EXPECT_EQ(iw_peers(&list, nullptr), 0);
+    EXPECT_TRUE(list.count == 0 && list.rows == nullptr && live_blocks() == 0);
+    fail("allocation", 1, ENOMEM);
+    EXPECT_EQ(iw_link_established(), 0);
+    write_file("/proc/net/ra0/peers", "State\nPeer MAC address\nPeer MAC address of none:");
+    EXPECT_EQ(iw_link_established(), 1);
+  };
+  on_device(body, data("peers.xml") + "||0");
+}
+
+TEST(limits, the_first_call_settles_them) {
+  const std::string defaults = "0 0 0 0 0 0 0 0 OFDM 5GHz";
+  const struct {
+    const char *name;
+    int failing;
+    std::string wanted;
+  } rows[] = {
+      {"radio0", 0, "1 -3 1 20 0 0 0 2147483647 CCK &lt; 2.4GHz"},
+      {"radio0", 1, defaults},
+      {"radio0", 2, "1 -3 1 20 0 0 0 2147483647 CCK &lt; 5GHz"},
+      {"bare", 0, defaults},
+      {"none", 0, defaults},
+      {"a-very-long-name", 0, "1 1 0 0 0 0 0 0 OFDM 5GHz"},
+      {"a-very-long-name1", 0, defaults},
+  };
+  for (const auto &[name, failing, wanted] : rows) {
+    on_device([&, file = data("radios")] {
+      write_file("/etc/product", file);
+      iw_radio_limits_t first, second;
+      EXPECT_EQ(iw_countrycode_limits(), std::string("DE"));
+      fail("allocation", failing, ENOMEM);
+      EXPECT_EQ(iw_radio_limits(&first, name), 0);
+      asked();
+      prod_spec_close();
+      EXPECT_EQ(iw_radio_limits(&second, "bare"), 0);
+      EXPECT_EQ(asked(), "destroy\n");
+      std::ostringstream seen;
+      for (const auto &limit :
+           {second.antenna_gain, second.txpower_offset, second.min_txpower, second.frequency_offset})
+        seen << +limit.present << " " << limit.value << " ";
+      seen << second.allowed_modulations << " " << second.ieee_band;
+      EXPECT_EQ(seen.str(), wanted) << name;
+    });
+  }
+  on_device([&] {
+    iw_radio_limits_t limits;
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_EQ(iw_radio_limits(&limits, "radio0"), 0);
+      EXPECT_EQ(limits.ieee_band + std::string(limits.allowed_modulations) + asked(), "5GHzOFDM");
+      EXPECT_EQ(iw_countrycode_limits(), nullptr);
+      write_file("/etc/product", "radio.0.master=radio0\nradio.0.ieee-band=x");
+    }
+  });
+}

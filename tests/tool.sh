@@ -24,7 +24,8 @@ expect 2 '' $'devfacts: too few arguments: config\nusage: *' config
 expect 1 '' 'devfacts: "lo" is no wireless interface' wireless lo
 expect 1 '' 'devfacts: the driver of "lo" does not tell about an Ethernet link' ethernet lo
 ip link add pair0 type veth peer name pair1
-expect 0 $'<ethernet>\n  <name>pair0</name>\n  <speed>10000</speed>\n  <duplex>full</duplex>\n  <link>no</link>*' '' ethernet pair0
+[[ $1 == qemu-* ]] || # which hands no ethtool request on
+  expect 0 $'<ethernet>\n  <name>pair0</name>\n  <speed>10000</speed>\n  <duplex>full</duplex>\n  <link>no</link>*' '' ethernet pair0
 expect 0 $'<peers>\n</peers>' '' peers lo
 expect 0 $'<radio>\n*<ieee_band>5GHz</ieee_band>\n*</radio>' '' radio lo
 expect 1 $'<product>\n*<product_name>product</product_name>\n*</product>' 'devfacts: cannot load the product description' product

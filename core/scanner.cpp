@@ -7,6 +7,7 @@
 
 #include "core/number.h"
 #include "core/owner.h"
+#include "core/text.h"
 
 using namespace devfacts;
 
@@ -14,11 +15,15 @@ namespace {
 
 constexpr int line_size = 1024;
 
-// At the first "=" or ":" of the line, or else at its first blank; null where it has none of them.
-char *find_separator(char *line) {
-  char *at = line;
-  while (*at != '=' && *at != ':' && *at != '\0') ++at;
-  return *at != '\0' ? at : std::strchr(line, ' ');
+// The first "=" or ":" of the line, or else its first blank; null where it has none of them.
+char *find_separator(char *line, char *end) {
+  const auto find = [=](char byte, const char *limit) {
+    return static_cast<char *>(std::memchr(line, byte, static_cast<size_t>(limit - line)));
+  };
+  char *equals = find('=', end);
+  char *colon = find(':', equals != nullptr ? equals : end);
+  if (colon != nullptr) return colon;
+  return equals != nullptr ? equals : find(' ', end);
 }
 
 // Gives the pairs of a stream one by one. They lie in its buffer and stay until the next.
@@ -27,25 +32,31 @@ class line_scanner {
   char *key = nullptr;
   char *value = nullptr;
 
+  // cppcheck-suppress uninitMemberVar  ; the buffer is read after it is filled
   line_scanner(FILE *stream, const char *prefix)
       : stream_(stream), prefix_(prefix != nullptr ? prefix : ""), prefix_length_(std::strlen(prefix_)) {}
 
   // False at the end, and at a line that cannot be split.
   bool next() {
-    while (std::feof(stream_) == 0 && std::fgets(buffer_, line_size, stream_) != nullptr) {
-      char *line = trimr_string(triml_string(buffer_));
-      if (*line != '\0' && std::strncmp(line, prefix_, prefix_length_) == 0) return split(line);
+    // The stream is this thread's alone, so it needs no lock for each line.
+    while (feof_unlocked(stream_) == 0 && fgets_unlocked(buffer_, line_size, stream_) != nullptr) {
+      key = triml_string(buffer_);
+      char *end = key + std::strlen(key);
+      cut_space(key, end);
+      if (*key != '\0' && has_prefix()) return split(end);
     }
     return false;
   }
 
  private:
-  // The line has no white space at its ends.
-  bool split(char *line) {
-    char *separator = find_separator(line);
+  bool has_prefix() const { return prefix_length_ == 0 || std::strncmp(key, prefix_, prefix_length_) == 0; }
+
+  // The line stands at key and has no white space at its ends.
+  bool split(char *end) {
+    char *separator = find_separator(key, end);
     if (separator == nullptr) return false;
     *separator = '\0';
-    key = trimr_string(line);
+    cut_space(key, separator);
     value = triml_string(separator + 1);
     return true;
   }
@@ -55,6 +66,12 @@ class line_scanner {
   size_t prefix_length_;
   char buffer_[line_size];
 };
+
+void walk(FILE *stream, const char *prefix, iterate_callback callback, void *context) {
+  line_scanner lines(stream, prefix);
+  while (lines.next() && callback(context, lines.key, lines.value) == 0) {
+  }
+}
 
 // A match stores what its value gives and ends the walk.
 template <class Number>
@@ -85,14 +102,12 @@ bool append(keyval_list *list, const char *value) {
 void iterate_raw(FILE *stream, const char *prefix, iterate_callback callback, void *context) {
   if (callback == nullptr || stream == nullptr) return;
   std::rewind(stream);
-  line_scanner lines(stream, prefix);
-  while (lines.next() && callback(context, lines.key, lines.value) == 0) {
-  }
+  walk(stream, prefix, callback, context);
 }
 
 void iterate(const char *path, const char *prefix, iterate_callback callback, void *context) {
   const unique_file file{std::fopen(path, "re")};
-  iterate_raw(file.get(), prefix, callback, context);
+  if (file && callback != nullptr) walk(file.get(), prefix, callback, context);
 }
 
 int __return_first_match_in_u32(void *context, char * /*key*/, char *value) {

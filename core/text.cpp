@@ -4,10 +4,10 @@
 
 #include <cstring>
 
-using devfacts::is_space;
+using namespace devfacts;
 
 char *trimr_string(char *str) {
-  for (char *end = str + std::strlen(str); end != str && is_space(end[-1]);) *--end = '\0';
+  cut_space(str, str + std::strlen(str));
   return str;
 }
 

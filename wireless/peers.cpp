@@ -28,7 +28,6 @@ bool begins_with(const char *text, const char (&start)[Size]) {
   return std::strncmp(text, start, Size - 1) == 0;
 }
 
-// Whatever is no byte of an address leaves its place at zero.
 int add_peer(iw_peers_list *list, const char *address) {
   void *rows = std::realloc(list->rows, (list->count + size_t{1}) * sizeof(iw_peer_entry));
   if (rows == nullptr) {
@@ -37,8 +36,9 @@ int add_peer(iw_peers_list *list, const char *address) {
   }
   list->rows = static_cast<iw_peer_entry *>(rows);
   iw_peer_entry &row = list->rows[list->count++] = {};
-  uint8_t *mac = row.mac;
-  std::sscanf(address, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx\n", mac, mac + 1, mac + 2, mac + 3, mac + 4, mac + 5);
+  auto &mac = row.mac;
+  // NOLINTNEXTLINE(cert-err34-c): what is no byte leaves its place at zero
+  std::sscanf(address, "%hhx:%hhx:%hhx:%hhx:%hhx:%hhx\n", &mac[0], &mac[1], &mac[2], &mac[3], &mac[4], &mac[5]);
   return 0;
 }
 
@@ -48,6 +48,7 @@ int iw_peer_line(void *context, char *key, char *value) {
   if (list->count == 0) return 0;
   for (const auto &strength : strengths) {
     if (!begins_with(key, strength.key)) continue;
+    // NOLINTNEXTLINE(cert-err34-c): what is no number leaves the field as it was
     std::sscanf(value, "%d", &(list->rows[list->count - 1].*strength.field));
     break;
   }

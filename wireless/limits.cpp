@@ -13,45 +13,42 @@ namespace {
 
 constexpr size_t longest_name = 16;
 
-constexpr struct {
-  char key[28];  // in place, as below: no relocation
-  iw_limit_value iw_radio_limits_t::*slot;
-} numbers[] = {
-    {"radio.%d.antenna-gain", &iw_radio_limits_t::antenna_gain},
-    {"radio.%d.txpower-offset", &iw_radio_limits_t::txpower_offset},
-    {"radio.%d.min-txpower", &iw_radio_limits_t::min_txpower},
-    {"radio.%d.frequency-offset", &iw_radio_limits_t::frequency_offset},
-};
-
-constexpr struct {
-  char key[30];
-  const char *iw_radio_limits_t::*slot;
-} texts[] = {
-    {"radio.%d.ieee-band", &iw_radio_limits_t::ieee_band},
-    {"radio.%d.allowed-modulations", &iw_radio_limits_t::allowed_modulations},
+// In the order in which they are read; each has one of the two fields.
+constexpr struct limit_key {
+  char key[30];  // in place: no relocation
+  iw_limit_value iw_radio_limits_t::*number;
+  const char *iw_radio_limits_t::*text;
+} limit_keys[] = {
+    {"radio.%d.antenna-gain", &iw_radio_limits_t::antenna_gain, nullptr},
+    {"radio.%d.txpower-offset", &iw_radio_limits_t::txpower_offset, nullptr},
+    {"radio.%d.min-txpower", &iw_radio_limits_t::min_txpower, nullptr},
+    {"radio.%d.frequency-offset", &iw_radio_limits_t::frequency_offset, nullptr},
+    {"radio.%d.ieee-band", nullptr, &iw_radio_limits_t::ieee_band},
+    {"radio.%d.allowed-modulations", nullptr, &iw_radio_limits_t::allowed_modulations},
 };
 
 constinit int32_t iw_limits_pending = 1;
 constinit iw_radio_limits_t iw_limits_cache = {};
 
-const char *find_text(cfg_handle store, const char *key, int radio) {
-  return cfg_key_exists(store, key, radio) != 0 ? cfg_get(store, key, radio) : nullptr;
-}
-
 void iw_parse_limit(const char *text, iw_limit_value &limit) {
   limit.present = parse_number(text, limit.value) ? 1 : 0;
 }
 
+// A copy that stays for as long as the process lives: the cache outlives the store.
+void keep_text(const char *text, const char *&slot) {
+  const char *copy = strdup(text);
+  if (copy != nullptr) slot = copy;
+}
+
 void read_radio(cfg_handle store, int radio) {
-  for (const auto &number : numbers) {
-    const char *text = find_text(store, number.key, radio);
-    if (text != nullptr) iw_parse_limit(text, iw_limits_cache.*number.slot);
-  }
-  for (const auto &each : texts) {
-    const char *text = find_text(store, each.key, radio);
-    // Kept for as long as the process lives: the cache outlives the store.
-    char *copy = text != nullptr ? strdup(text) : nullptr;
-    if (copy != nullptr) iw_limits_cache.*each.slot = copy;
+  for (const limit_key &each : limit_keys) {
+    const char *text = cfg_key_exists(store, each.key, radio) != 0 ? cfg_get(store, each.key, radio) : nullptr;
+    if (text == nullptr) continue;
+    if (each.number != nullptr) {
+      iw_parse_limit(text, iw_limits_cache.*each.number);
+    } else {
+      keep_text(text, iw_limits_cache.*each.text);
+    }
   }
 }
 

@@ -170,29 +170,21 @@ TEST(wireless, network_names_of_any_length_end_inside_their_field) {
 }
 
 TEST(wireless, rates_and_channels_stay_inside_their_tables) {
-  const struct {
-    iw_freq frequency;
-    int rows, rates, channel, last_rate;
-  } rows[] = {
-      {{2412, 6, 0, 0}, 255, 31, 1001, -1},      {{2412, 6, 0, 0}, 1, 32, -1, 48000000},
-      {{2407, 6, 0, 0}, 1, 255, 1000, 48000000}, {{367700, 4, 0, 0}, 255, 0, 1254, -1},
-      {{3677, 6, 0, 0}, 254, 33, -1, 48000000},  {{-2412, 6, 0, 0}, 255, 0, -1, -1},
-      {{24120, -1, 0, 0}, 255, 0, 77, -1},       {{2412, 32767, 0, 0}, 255, 0, -1, -1},
-      {{2412, 6, 0, 0}, 0, 0, -1, -1},
-  };
-  for (const auto &[frequency, count, rates, channel, last_rate] : rows) {
+  for (const auto &row : rows("ranges")) {
     radio driver;
-    driver.frequency = frequency;
-    driver.range.num_frequency = count, driver.range.num_bitrates = rates;
+    int m = 0, e = 0, frequencies = 0, rates = 0;
+    std::istringstream(row[0]) >> m >> e >> frequencies >> rates;
+    driver.frequency = {m, static_cast<int16_t>(e), 0, 0};
+    driver.range.num_frequency = frequencies, driver.range.num_bitrates = rates;
     driver.range.freq[7] = {2412, 0, {}, 77, {}}, driver.range.freq[8] = {24120, -1, {}, 78, {}};
     driver.start();
     iw_status status;
     std::memset(&status, -1, sizeof status);
     EXPECT_EQ(iw_freq_channel(&status, "r") + iw_bitrates(&status, "r"), 0);
-    EXPECT_EQ(status.channel, channel) << count;
-    EXPECT_EQ(status.bit_rates[31], last_rate) << rates;
-    EXPECT_EQ(status.bit_rates[0], rates == 0 ? -1 : 1500000);
-    EXPECT_EQ(status.frequency, iw_freq2double(&frequency));
+    std::ostringstream seen;
+    seen << status.channel << " " << status.bit_rates[0] << " " << status.bit_rates[31];
+    EXPECT_EQ(seen.str(), row[1]) << row[0];
+    EXPECT_EQ(status.frequency, m * std::pow(10.0, e));
   }
   const char odd[] = "x\xff\xff\xff\xff\0\3";  // at an odd address
   EXPECT_EQ(iw_freq2double(odd + 1), __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__ ? -1000.0 : -INFINITY);
@@ -222,54 +214,23 @@ TEST(wireless, words) {
             "full quarter half full full turbo ");
 }
 
-// What a counter makes of a file, and the states of theirs.
-TEST(counters, the_first_line_with_the_key_decides) {
-  const std::pair<const char *, int64_t> rows[] = {
-      {"Packets: 12\nPackets: 99", 12},
-      {"x\nword\nPackets 3", 3},
-      {"Packets: x\nPackets: 1", -1},
-      {"Packets\nPackets: 1", -1},
-      {"Packets: 4294967296", -1},
-      {"Packetsize=5", 5},
-      {"packets: 1", -1},
-      {"", -1},
-  };
-  on_device([&] {
-    for (const auto &[file, wanted] : rows) {
-      iw_status status{};
-      status.rx_total = 7;
-      write_file("/proc/net/r/rxstats", file);
-      EXPECT_EQ(iw_rx_total(&status, "r"), wanted < 0 ? -1 : 0) << file;
-      EXPECT_EQ(status.rx_total, wanted < 0 ? 7 : wanted) << file;
+TEST(counters, files_of_all_kinds) {
+  on_device([table = rows("counters")] {
+    iw_status none{};
+    EXPECT_EQ(iw_read_states(&none), -1);
+    for (const auto &row : table) {
+      write_file("/proc/net/r/rxstats", row[0]), write_file("/proc/net/madwifi/r/state_cnt", row[0]);
+      iw_status s{};
+      s.ifname = "r", s.rx_total = s.state_init = s.state_scan = s.state_auth = s.state_assoc = s.state_run = 7;
+      std::ostringstream seen;
+      seen << iw_rx_total(&s, "r") << " " << s.rx_total << " " << iw_read_states(&s) << " " << s.state_init << " "
+           << s.state_scan << " " << s.state_auth << " " << s.state_assoc << " " << s.state_run;
+      EXPECT_EQ(seen.str(), row[1]) << row[0];
     }
-    iw_status status{};
     const std::string cut = "r" + std::string(4077, '/');  // leaves room for all but the last letter
     write_file("/proc/net/r/rxstat", "Packets: 1");
     for (const char *name : {static_cast<const char *>(nullptr), "none", cut.c_str()})
-      EXPECT_EQ(iw_rx_total(&status, name), -1);
-  });
-}
-
-TEST(counters, state_times_are_set_up_to_the_first_that_is_missing) {
-  const std::pair<const char *, const char *> rows[] = {
-      {"INIT: 1 msecs SCAN: 2 msecs AUTH: 3 msecs ASSOC: 4 msecs RUN: 5", "0 1 2 3 4 5"},
-      {"INIT: 1 msecs\nSCAN: 2 msecs\nASSOC: 4 msecs\n", "-1 1 2 7 7 7"},
-      {" INIT:1 seconds", "-1 1 7 7 7 7"},
-      {"", "-1 7 7 7 7 7"},
-      {"INIT: x", "-1 7 7 7 7 7"},
-  };
-  on_device([&] {
-    iw_status none{};
-    EXPECT_EQ(iw_read_states(&none), -1);
-    for (const auto &[file, wanted] : rows) {
-      write_file("/proc/net/madwifi/r/state_cnt", file);
-      iw_status s{};
-      s.ifname = "r", s.state_init = s.state_scan = s.state_auth = s.state_assoc = s.state_run = 7;
-      std::ostringstream seen;
-      seen << iw_read_states(&s) << " " << s.state_init << " " << s.state_scan << " " << s.state_auth << " "
-           << s.state_assoc << " " << s.state_run;
-      EXPECT_EQ(seen.str(), wanted);
-    }
+      EXPECT_EQ(iw_rx_total(&none, name), -1);
   });
 }
 
@@ -297,45 +258,32 @@ TEST(peers, rows_are_added_in_the_order_of_the_file) {
   on_device(body, data("peers.xml") + "||0");
 }
 
+std::string limits_of(const char *name) {
+  iw_radio_limits_t limits;
+  EXPECT_EQ(iw_radio_limits(&limits, name), 0);
+  std::ostringstream seen;
+  for (const auto &limit : {limits.antenna_gain, limits.txpower_offset, limits.min_txpower, limits.frequency_offset})
+    seen << +limit.present << " " << limit.value << " ";
+  seen << limits.allowed_modulations << " " << limits.ieee_band;
+  return seen.str();
+}
+
 TEST(limits, the_first_call_settles_them) {
-  const std::string defaults = "0 0 0 0 0 0 0 0 OFDM 5GHz";
-  const struct {
-    const char *name;
-    int failing;
-    std::string wanted;
-  } rows[] = {
-      {"radio0", 0, "1 -3 1 20 0 0 0 2147483647 CCK &lt; 2.4GHz"},
-      {"radio0", 1, defaults},
-      {"radio0", 2, "1 -3 1 20 0 0 0 2147483647 CCK &lt; 5GHz"},
-      {"bare", 0, defaults},
-      {"none", 0, defaults},
-      {"a-very-long-name", 0, "1 1 0 0 0 0 0 0 OFDM 5GHz"},
-      {"a-very-long-name1", 0, defaults},
-  };
-  for (const auto &[name, failing, wanted] : rows) {
+  for (const auto &row : rows("limits")) {  // the name, the allocation that fails, the limits
     on_device([&, file = data("radios")] {
       write_file("/etc/product", file);
-      iw_radio_limits_t first, second;
       EXPECT_EQ(iw_countrycode_limits(), std::string("DE"));
-      fail("allocation", failing, ENOMEM);
-      EXPECT_EQ(iw_radio_limits(&first, name), 0);
+      fail("allocation", std::stoi(row[1]), ENOMEM);
+      limits_of(row[0].c_str());
       asked();
       prod_spec_close();
-      EXPECT_EQ(iw_radio_limits(&second, "bare"), 0);
+      EXPECT_EQ(limits_of("bare"), row[2]) << row[0];
       EXPECT_EQ(asked(), "destroy\n");
-      std::ostringstream seen;
-      for (const auto &limit :
-           {second.antenna_gain, second.txpower_offset, second.min_txpower, second.frequency_offset})
-        seen << +limit.present << " " << limit.value << " ";
-      seen << second.allowed_modulations << " " << second.ieee_band;
-      EXPECT_EQ(seen.str(), wanted) << name;
     });
   }
-  on_device([&] {
-    iw_radio_limits_t limits;
+  on_device([] {
     for (int i = 0; i < 2; ++i) {
-      EXPECT_EQ(iw_radio_limits(&limits, "radio0"), 0);
-      EXPECT_EQ(limits.ieee_band + std::string(limits.allowed_modulations) + asked(), "5GHzOFDM");
+      EXPECT_EQ(limits_of("radio0") + asked(), "0 0 0 0 0 0 0 0 OFDM 5GHz");
       EXPECT_EQ(iw_countrycode_limits(), nullptr);
       write_file("/etc/product", "radio.0.master=radio0\nradio.0.ieee-band=x");
     }

@@ -64,6 +64,21 @@ std::string test::shell(const std::string &command) {
 
 std::string test::data(const std::string &name) { return shell("cat " + name); }
 
+std::vector<std::vector<std::string>> test::rows(const std::string &name) {
+  std::vector<std::vector<std::string>> cells(1, {""});
+  const std::string text = data(name);
+  for (size_t i = 0; i + 1 < text.size(); ++i) {
+    if (text[i] == '\n') {
+      cells.push_back({""});
+    } else if (text[i] == '|') {
+      cells.back().emplace_back();
+    } else {
+      cells.back().back() += text[i] != '\\' ? text[i] : text[++i] == 'n' ? '\n' : '\t';
+    }
+  }
+  return cells;
+}
+
 std::string test::shown(const void *bytes, size_t count) {
   std::string text = bytes == nullptr ? "-" : std::string(static_cast<const char *>(bytes), count);
   std::replace(text.begin(), text.end(), '\0', '.');

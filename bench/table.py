@@ -1,22 +1,32 @@
-"""Turns the measurements, one JSON file a round, into the tables of ratios and of growth, in Markdown."""
+"""Turns the measurements, one JSON file a round, into the tables of ratios and of growth, in Markdown, and a chart.
+
+table.py FOLDER CHART NAMESPACE...
+"""
 import json
 import pathlib
 import sys
 from statistics import median
 
-# The most that our time may be of theirs.
-GOALS = {
+from chart import draw
+
+# What is measured, against whom, and the most that our time may be of theirs.
+COLLECTING = {
     "veth": {"collect/limit": 1.15, "collect/libmnl": 1.0, "collect/libnl": 1.0, "collect/getifaddrs": 1.0,
              "print/libxml2": 1.0, "print/glib": 1.0},
-    "ifb": {"collect/limit": 1.2},
+    "ifb": {"collect/limit": 1.2, "collect/libmnl": None, "collect/libnl": None, "collect/getifaddrs": None,
+            "print/libxml2": None, "print/glib": None},
 }
 LINKED = {"veth": "with IFLA_LINK", "ifb": "without"}
+FAMILIES = {
+    "scan": {"20": "walk 20 lines", "35000": "walk 1 MB of lines"},
+}
+GOALS = {"scan/limit/20": 1.1, "scan/limit/35000": 1.7}
 
 
-def rounds_of(folder, namespace):
+def rounds_of(folder, name):
     """For each benchmark what every round measured."""
     runs = {}
-    for path in sorted(folder.glob(f"{namespace}.*.json")):
+    for path in sorted(folder.glob(f"{name}.*.json")):
         for run in json.loads(path.read_text())["benchmarks"]:
             runs.setdefault(run["name"], []).append(run)
     return runs
@@ -26,20 +36,32 @@ def row(*cells):
     print("| " + " | ".join(str(cell) for cell in cells) + " |")
 
 
-def ratio(runs, peer, goal):
-    ours, theirs = runs[peer.split("/")[0] + "/devfacts"], runs[peer]
-    value = median(mine["cpu_time"] / other["cpu_time"] for mine, other in zip(ours, theirs, strict=True))
-    return f"{value:.2f}" + (" (over)" if value > goal else "")
+def ratio(ours, theirs):
+    return median(mine["cpu_time"] / other["cpu_time"] for mine, other in zip(ours, theirs, strict=True))
 
 
-def print_ratios(measured):
-    peers = list(GOALS["veth"])
-    row("interfaces", "", *peers)
-    row(*["---"] * (2 + len(peers)))
-    row("goal", LINKED["veth"], *GOALS["veth"].values())
-    row("goal", LINKED["ifb"], *[GOALS["ifb"].get(peer, "") for peer in peers])
+def ratios_of_collecting(measured):
+    """Rows of what, against whom, ratio and goal."""
     for (kind, count), runs in measured:
-        row(count, LINKED[kind], *[ratio(runs, peer, GOALS[kind].get(peer, float("inf"))) for peer in peers])
+        for peer, goal in COLLECTING[kind].items():
+            what, who = peer.split("/")
+            yield (f"{what} {count} interfaces {LINKED[kind]}", who, ratio(runs[f"{what}/devfacts"], runs[peer]), goal)
+
+
+def ratios_of_families(runs):
+    for name, theirs in runs.items():
+        family, who, *case = name.split("/")
+        if who != "devfacts":
+            ours = runs["/".join([family, "devfacts", *case])]
+            yield (FAMILIES[family]["/".join(case)], who, ratio(ours, theirs), GOALS.get(name))
+
+
+def print_ratios(ratios):
+    row("what", "against", "ours / theirs", "goal")
+    row(*["---"] * 4)
+    for what, who, value, goal in ratios:
+        over = " (over)" if goal is not None and round(value, 2) > goal else ""
+        row(what, who, f"{value:.2f}{over}", "" if goal is None else goal)
 
 
 def times_each(runs):
@@ -62,15 +84,17 @@ def print_growth(measured):
             round(ours["system_calls"]), round(limit["system_calls"]))
 
 
-def main(folder, namespaces):
+def main(folder, chart, namespaces):
     measured = []
     for namespace in namespaces:
         kind, count = namespace.split("-")
         measured.append(((kind, int(count)), rounds_of(folder, namespace)))
+    ratios = [*ratios_of_collecting(measured), *ratios_of_families(rounds_of(folder, "families"))]
     print("Our CPU time as a part of theirs, the median of all rounds:\n")
-    print_ratios(measured)
+    print_ratios(ratios)
     print("\nWhat one interface costs us as their number grows:\n")
     print_growth(measured)
+    pathlib.Path(chart).write_text(draw(ratios))
 
 
-main(pathlib.Path(sys.argv[1]), sys.argv[2:])
+main(pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3:])

@@ -1,11 +1,12 @@
 include(CMakePackageConfigHelpers)
 
+# What a device needs to run programs is the component runtime; the rest is for building them.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/devfacts)
-install(TARGETS devfacts devfacts_static EXPORT devfacts)
-if(TARGET devfacts_platform)
-  install(TARGETS devfacts_platform devfacts_platform_static EXPORT devfacts)
-endif()
-install(TARGETS devfacts-tool)
+install(TARGETS devfacts devfacts_static ${PLATFORM_TARGETS} EXPORT devfacts
+        LIBRARY COMPONENT runtime NAMELINK_COMPONENT development)
+install(TARGETS devfacts-tool COMPONENT runtime)
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT runtime)
 install(DIRECTORY include/devfacts DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(EXPORT devfacts NAMESPACE devfacts:: FILE devfactsTargets.cmake DESTINATION ${package_dir})
 

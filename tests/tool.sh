@@ -33,5 +33,8 @@ mount --bind "$(dirname "$0")/../examples/device/etc" /etc
 expect 0 'ra1' '' product radio.1.master
 expect 1 '' 'devfacts: no value of "radio.%d.master"' product radio.%d.master
 expect 0 $'<product>\n*<radio>*</product>' '' product
+commands=$("${tool[@]}" --help | sed -n '/^commands:/,$s/^  \([a-z]*\) .*/\1/p')
+described=$(sed -nE 's/^\.B[RI] ([a-z]+) ".*/\1/p' "$(dirname "$0")/../docs/devfacts.1")
+[[ -n $commands && $commands == "$described" ]] || { echo "devfacts.1 describes" $described, "not" $commands; failed=1; }
 "${tool[@]}" net >/dev/full 2>/dev/null && { echo "a full disk goes unnoticed"; failed=1; }
 exit $failed

@@ -13,6 +13,12 @@
 /** Marks a function that takes a printf format as argument @p f and its values from argument @p v on. */
 #define DEVFACTS_PRINTF(f, v) __attribute__((format(printf, f, v)))
 
+/**
+ * @def DEVFACTS_BEGIN_DECLS
+ * Stands before declarations with C linkage, in both languages.
+ * @def DEVFACTS_END_DECLS
+ * Stands behind them.
+ */
 #ifdef __cplusplus
 #define DEVFACTS_BEGIN_DECLS extern "C" {
 #define DEVFACTS_END_DECLS }

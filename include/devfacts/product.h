@@ -258,7 +258,8 @@ DEVFACTS_API extern product_caps_t product_caps;
  * same without a look at the file. It is read beside prod_spec_open(): neither that handle nor a file it once missed
  * matters here.
  *
- * @return &product_caps; null, with the object all zero, where the file cannot be loaded: the next call tries again.
+ * @return the object's address; null, with the object all zero, where the file cannot be loaded: the next call tries
+ * again.
  * Memory that runs out in a later step costs its own part alone: a text is absent, a list in which a row finds no room
  * is empty as a whole.
  */

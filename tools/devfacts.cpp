@@ -17,12 +17,15 @@ constexpr command commands[] = {
     {"ethernet", "NAME", "what a wired link is doing", 1, 1, ethernet},
     {"product", "[KEY]", "the product's identity and capabilities, or one value of its description", 0, 1, product},
     {"config", "KEY", "one value of the system configuration", 1, 1, config},
+    {"listen", "PATH", "each message that arrives at a socket, which it makes, until interrupted", 1, 1, listen},
+    {"send", "PATH TEXT", "sends a message to a socket", 2, 2, send},
+    {"translate", "DIRECTORY CATALOGUE ID", "a text in the language of the device", 3, 3, translate},
 };
 
 void print_usage(FILE *out) {
   std::fputs("usage: devfacts COMMAND [ARGUMENT...]\n       devfacts --help | --version\n\ncommands:\n", out);
   for (const command &each : commands) {
-    std::fprintf(out, "  %-10s %-12s %s\n", each.name, each.arguments, each.purpose);
+    std::fprintf(out, "  %-10s %-22s %s\n", each.name, each.arguments, each.purpose);
   }
 }
 

@@ -13,6 +13,15 @@
 /** Marks a function that takes a printf format as argument @p f and its values from argument @p v on. */
 #define DEVFACTS_PRINTF(f, v) __attribute__((format(printf, f, v)))
 
+/** Marks a function that C++ knows to throw nothing, where the C library's declaration says so, too. */
+#if !defined __cplusplus
+#define DEVFACTS_NOTHROW
+#elif __cplusplus < 201103L
+#define DEVFACTS_NOTHROW throw()
+#else
+#define DEVFACTS_NOTHROW noexcept
+#endif
+
 /**
  * @def DEVFACTS_BEGIN_DECLS
  * Stands before declarations with C linkage, in both languages.

@@ -2,7 +2,7 @@
 # The tool as a person meets it: tool.sh COMMAND... runs it.
 set -uo pipefail
 tool=("$@") failed=0 err=$(mktemp)
-trap 'rm -f "$err"' EXIT
+trap 'rm -f "$err"*' EXIT
 expect() { # STATUS OUT-PATTERN ERR-PATTERN ARGUMENT...: patterns are of the whole text
   local status out wanted=$1 out_pattern=$2 err_pattern=$3
   shift 3
@@ -36,5 +36,16 @@ expect 0 $'<product>\n*<radio>*</product>' '' product
 commands=$("${tool[@]}" --help | sed -n '/^commands:/,$s/^  \([a-z]*\) .*/\1/p')
 described=$(sed -nE 's/^\.B[RI] ([a-z]+) ".*/\1/p' "$(dirname "$0")/../docs/devfacts.1")
 [[ -n $commands && $commands == "$described" ]] || { echo "devfacts.1 describes" $described, "not" $commands; failed=1; }
+expect 0 'Verbundene Stationen' '' translate "$(dirname "$0")/../examples/device/usr/share/po" status 'Connected stations'
+"${tool[@]}" listen "$err.socket" >"$err.heard" &
+until [ -S "$err.socket" ]; do sleep 0.1; done
+expect 0 '' '' send "$err.socket" 'a message'
+expect 1 '' 'devfacts: the message to "*" is not sent' send "$err.socket" ''
+kill -TERM $! && wait $! && [[ $(<"$err.heard") == 'a message' && ! -e $err.socket ]] ||
+  { echo "listen hears $(<"$err.heard"), status $?"; failed=1; }
+expect 1 '' $'Socket write error: No such file or directory\n*is not sent' send "$err.socket" text
+expect 1 '' 'devfacts: cannot make a socket at "*"' listen "$err.heard"
+umount /etc
+expect 1 '' 'devfacts: cannot read a language in /etc/lang' translate /po status text
 "${tool[@]}" net >/dev/full 2>/dev/null && { echo "a full disk goes unnoticed"; failed=1; }
 exit $failed

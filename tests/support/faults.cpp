@@ -1,5 +1,7 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -27,6 +29,8 @@ static void *resized(void *block, size_t size) {
 }
 
 using test::strikes;
+
+static int given() { return armed.error != 0 ? -1 : 0; }
 
 // The library's undefined name x is test_x here.
 extern "C" {
@@ -57,17 +61,22 @@ void test_free(void *block) {
 }
 
 #define FAULTY(result, call, parameters, ...) \
-  result test_##call parameters { return strikes(#call) ? -1 : call(__VA_ARGS__); }
+  result test_##call parameters { return strikes(#call) ? given() : call(__VA_ARGS__); }
 FAULTY(int, socket, (int domain, int type, int protocol), domain, type, protocol)
 FAULTY(int, setsockopt, (int fd, int level, int option, const void *value, socklen_t size), fd, level, option, value,
        size)
+FAULTY(int, connect, (int fd, const sockaddr *address, socklen_t size), fd, address, size)
+FAULTY(ssize_t, recv, (int fd, void *bytes, size_t size, int flags), fd, bytes, size, flags)
+FAULTY(int, fcntl64, (int fd, int command, int flags), fd, command, flags)
+FAULTY(int, poll, (pollfd * slots, nfds_t count, int limit), slots, count, limit)
+FAULTY(int, select, (int count, fd_set *in, fd_set *out, fd_set *other, timeval *limit), count, in, out, other, limit)
 FAULTY(int, bind, (int fd, const sockaddr *address, socklen_t size), fd, address, size)
 FAULTY(ssize_t, send, (int fd, const void *bytes, size_t size, int flags), fd, bytes, size, flags)
 
 int test_getsockname(int fd, sockaddr *address, socklen_t *size) {
   if (!strikes("getsockname")) return getsockname(fd, address, size);
   *size = 0;
-  return armed.error != 0 ? -1 : 0;
+  return given();
 }
 
 ssize_t test_recvmsg(int fd, msghdr *message, int flags) {

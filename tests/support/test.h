@@ -42,8 +42,8 @@ std::string shown(const void *bytes, size_t count);
 inline constexpr bool emulated = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
 
 // In the copy of the library that the tests link, the n-th call (from 1) of that name from now on fails with this
-// errno; "allocation" stands for malloc and its kin, "realloc" for that alone. An error of 0 makes getsockname succeed
-// with no address.
+// errno; "allocation" stands for malloc and its kin, "realloc" for that alone. An error of 0 makes the call give 0:
+// select a limit passed, send a count too short, getsockname no address.
 void fail(const char *call, int nth, int error);
 
 // Is this call of that name the one that fails? How many of that name were there since fail()?
@@ -62,6 +62,10 @@ void receive_instead(const std::vector<std::string> &datagrams);
 
 // The calls of the store since this was asked last, a line each: the operation without its "cfg_", and its key or path.
 std::string asked();
+
+// What the library logged since this was asked last: for each message the errno's name where it is told, the level, the
+// text.
+std::string logged();
 
 template <class T>
 std::string bytes_of(const T &record) {

@@ -1,0 +1,229 @@
+// The datagram transport over real sockets, and what it says of each failure.
+#include <devfacts/transport.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <utility>
+
+#include "support/test.h"
+#include "transport/log.h"
+
+using namespace test;
+
+std::string datagram(const std::string &payload, uint32_t claimed) { return bytes_of(claimed) + payload; }
+std::string datagram(const std::string &payload) { return datagram(payload, static_cast<uint32_t>(payload.size())); }
+
+int write_text(const std::string &text, const std::string &path) {
+  return socket_write(text.data(), static_cast<uint32_t>(text.size()), path.c_str());
+}
+
+void read_all(int fd, int in_set, socket_callback callback) {
+  fd_set set;
+  FD_ZERO(&set);
+  FD_SET(in_set, &set);
+  EXPECT_EQ(socket_read(fd, &set, callback), 0);
+}
+
+static std::string seen;
+
+int note(const void *payload, uint32_t length) {
+  seen += (length < 9 ? shown(payload, length) : std::to_string(length)) + " ";
+  return -1;
+}
+
+// The messages that wait, long ones by their length, and what was logged.
+std::string drained(int fd) {
+  read_all(fd, fd, note);
+  return std::exchange(seen, "") + logged();
+}
+
+// A timer interrupts every call that waits, again and again.
+void interrupt_every(int microseconds) {
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  sigaction(SIGALRM, &action, nullptr);
+  const itimerval timer{{0, microseconds}, {0, microseconds}};
+  setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+// Leaves one number free that a set of descriptors has room for.
+void use_up_descriptors() {
+  const rlimit limit{2000, 2000};
+  setrlimit(RLIMIT_NOFILE, &limit);
+  const int first = dup(0);
+  while (dup(0) < FD_SETSIZE) continue;
+  close(first);
+}
+
+TEST(receiver, what_it_makes_of_datagrams) {
+  const std::string bad = "2 Corrupted input from socket!!!\n", most(1596, 'x');
+  const std::vector<std::pair<std::vector<std::string>, std::string>> rows = {
+      {{datagram("one"), datagram("2"), datagram(std::string(2, '\0'))}, "one 2 .. |"},
+      {{datagram("one"), datagram("", 0), datagram("x", 0), datagram("two")}, "one two " + bad + bad + "|"},
+      {{"\1", "\1\1\1", datagram("", 1), datagram("ab", 3)}, bad + bad + bad + bad + "|"},
+      {{datagram("ab", 0xffffffff), datagram("ab", 0xfffffffe), datagram("ab", 0xfffffffc)}, bad + bad + bad + "|"},
+      {{datagram("abcd", 3), datagram("abcd", 1)}, "abc a |"},
+      {{datagram(most), datagram(most + "x"), datagram(most + "xyz", 1596)}, "1596 1596 " + bad + "|"},
+      {{datagram("one"), "", datagram("two")}, "one |two "},  // an empty one ends the call
+  };
+  for (const auto &[datagrams, outcome] : rows) {
+    on_device([&datagrams = datagrams, &outcome = outcome] {
+      const int fd = socket_input_init("/s");
+      const sockaddr_un address{AF_UNIX, "/s"};
+      for (const std::string &each : datagrams)
+        sendto(fd, each.data(), each.size(), 0, reinterpret_cast<const sockaddr *>(&address), sizeof address);
+      const std::string first = drained(fd);
+      EXPECT_EQ(first + "|" + drained(fd), outcome);
+    });
+  }
+}
+
+TEST(receiver, looks_only_at_the_bytes_received_and_at_what_is_in_the_set) {
+  for (const uint32_t size : {0U, 1U, 3U, 4U, 5U}) {
+    const std::vector<char> unaligned(size + 1, '\0');  // the sanitizer watches its end
+    uint32_t length = 7;
+    EXPECT_EQ(socket_input_extract(&unaligned[1], size, &length), nullptr);
+    EXPECT_EQ(length, 0U);
+    EXPECT_EQ(socket_input_extract(nullptr, size, &length), nullptr);
+  }
+  fail("recv", 1, EIO);
+  for (const auto &[fd, in_set] : {std::pair{5, 6}, {-1, 63}, {FD_SETSIZE, 0}, {100000, 0}}) read_all(fd, in_set, note);
+  EXPECT_EQ(std::to_string(calls_seen()) + logged(), "0");
+}
+
+// One path is taken over and given back; others that are refused stay as they are.
+TEST(transport, paths) {
+  const std::string path = "/" + std::string(106, 'p'), too_long = path + "p";
+  const auto body = [=] {
+    write_file(path, ""), write_file(too_long, "");
+    const int fd = socket_input_init(path.c_str());
+    EXPECT_EQ(socket_input_init(too_long.c_str()) + socket_input_init("/none/s"), -2);
+    EXPECT_EQ(logged(), "ENAMETOOLONG 1 Cannot create '" + too_long + "' UNIX socket.\n" +
+                            "ENOENT 1 Cannot create '/none/s' UNIX socket.\n");
+    EXPECT_EQ(write_text("lost", too_long) + write_text("hello", path), 0);
+    EXPECT_EQ(drained(fd), "hello ");
+    socket_input_shutdown(-1, path.c_str()), socket_input_shutdown(fd, nullptr);
+    EXPECT_TRUE(access(path.c_str(), F_OK) == 0 && fcntl(fd, F_GETFL) == O_RDWR);
+    socket_input_shutdown(fd, path.c_str());
+    EXPECT_TRUE(access(path.c_str(), F_OK) == -1 && fcntl(fd, F_GETFL) == -1 && access(too_long.c_str(), F_OK) == 0);
+  };
+  on_device(body, "|Socket write error: File name too long\n|0");
+}
+
+int open_descriptors() {
+  int count = 0;
+  for (int fd = 0; fd < 2000; ++fd) count += fcntl(fd, F_GETFD) >= 0;
+  return count;
+}
+
+// Two messages, the second of which arrives only over the connection of the first, while one call fails: the results,
+// the descriptors left open, the logs, the messages that one reading and the next deliver.
+TEST(transport, each_failing_call_has_its_words) {
+  for (const auto &row : rows("faults")) {
+    const std::string outcome = run_on_device([&row] {
+      if (row[0] == "poll") use_up_descriptors();
+      const int before = open_descriptors();
+      fail(row[0].c_str(), std::stoi(row[1]), std::stoi(row[2]));
+      const int fd = socket_input_init("/s"), one = write_text("one", "/s"), two = write_text("two", "/t");
+      std::printf("%d %d %d %s", one, two, open_descriptors() - before, logged().c_str());
+      for (int i = 0; i < 2 && fd >= 0; ++i) std::printf("[%s]", drained(fd).c_str());
+      EXPECT_EQ(live_blocks(), 0);
+    });
+    EXPECT_EQ(outcome, row[3] + "|" + row[4] + "|0") << row[0] << row[1] << " " << row[2];
+  }
+}
+
+TEST(sender, keeps_to_its_receiver_until_that_is_gone) {
+  const auto body = [] {
+    int fd = socket_input_init("/a");
+    const int other = socket_input_init("/b");
+    fail("socket", 1, EMFILE);
+    EXPECT_EQ(socket_write(nullptr, 1, "/a") + socket_write("", 0, "/a"), -2);
+    EXPECT_EQ(calls_seen(), 0);
+    const std::string refusal = "1 Unable create data container for sending data to the socket\n", hundred(100, 'x');
+    EXPECT_EQ(logged(), "1 Wrong parameters\n" + refusal + "1 Wrong parameters\n" + refusal);
+    fail("none", 1, 0);
+    EXPECT_EQ(write_text(hundred, "/a") + write_text("one", "/b"), 0);
+    char bytes[200];
+    EXPECT_EQ(std::string(bytes, recv(fd, bytes, sizeof bytes, 0)), datagram(hundred));
+    EXPECT_EQ(drained(fd) + drained(other), "one ");
+    socket_input_shutdown(fd, "/a");
+    EXPECT_EQ(write_text("lost", "/a"), -1);
+    EXPECT_EQ(logged(), "1 Failed writing to socket\n");
+    EXPECT_EQ(write_text("lost", "/a"), 0);
+    fd = socket_input_init("/a");
+    EXPECT_EQ(write_text("back", "/a"), 0);
+    EXPECT_EQ(drained(fd), "back ");
+  };
+  on_device(body, "|Socket write error: No such file or directory\n|0");
+}
+
+TEST(sender, waits_two_seconds_for_room_and_keeps_the_connection) {
+  for (const bool high : {false, true}) {
+    on_device([high] {
+      if (high) use_up_descriptors();
+      const int fd = socket_input_init("/s");
+      if (high || !emulated) interrupt_every(20000);  // the emulated select waits its whole time anew
+      std::string sent;
+      auto start = std::chrono::steady_clock::now();
+      for (; write_text("x", "/s") == 0; start = std::chrono::steady_clock::now()) sent += "x ";
+      const auto waited = std::chrono::steady_clock::now() - start;
+      EXPECT_TRUE(waited > std::chrono::milliseconds(1990) && waited < std::chrono::milliseconds(2600));
+      EXPECT_EQ(drained(fd), sent + "1 Failed writing to socket\n");
+      EXPECT_EQ(write_text("room", "/none"), 0);
+      EXPECT_EQ(drained(fd), "room ");
+    });
+  }
+}
+
+std::string numbered(int i) { return std::string(static_cast<size_t>(i % 1590), 'x') + std::to_string(i); }
+
+static int arrived = 0;
+
+int check(const void *payload, uint32_t length) {
+  const std::string text(static_cast<const char *>(payload), length);
+  EXPECT_EQ(text, numbered(arrived));
+  return text == numbered(arrived++) ? 0 : -1;
+}
+
+TEST(transport, a_hundred_thousand_messages_between_two_processes) {
+  on_device([] {
+    const int fd = socket_input_init("/s");
+    const pid_t sender = fork();
+    interrupt_every(sender == 0 ? 1000 : 1700);
+    for (int i = 0; i < 100000 && sender == 0; ++i) EXPECT_EQ(write_text(numbered(i), "/s"), 0);
+    if (sender == 0) _exit(testing::Test::HasFailure() ? 99 : 0);
+    while (arrived < 100000 && !testing::Test::HasFailure()) {
+      fd_set set;
+      FD_ZERO(&set);
+      FD_SET(fd, &set);
+      if (select(fd + 1, &set, nullptr, nullptr, nullptr) > 0) socket_read(fd, &set, check);
+    }
+    int status = -1;
+    TEMP_FAILURE_RETRY(waitpid(sender, &status, 0));
+    EXPECT_EQ(std::to_string(status) + drained(fd), "0");
+  });
+}
+
+TEST(log, goes_to_syslog_with_a_priority_for_its_level) {
+  const auto body = [] {
+    write_file("/dev/log", "");
+    const int fd = socket_input_init("/dev/log");
+    for (const int level : {-1, 0, 1, 2, 3, 4, 5, 99}) log_message(level, level < 0 ? "" : "%d of %s\n\n", level, "us");
+    log_message(1, "%*d\n", 2000, 1);
+    errno = ENOENT;
+    log_message_errno(4, "%*d\n", 9, 1);
+    char line[2000];
+    for (int length = 0; (length = socket_input_read_single(fd, line, sizeof line)) > 0;) {
+      const std::string text(line, static_cast<size_t>(length)), words = text.substr(text.find(": ") + 2);
+      std::printf("%.4s%s|", line, words.size() < 99 ? words.c_str() : std::to_string(words.size()).c_str());
+    }
+  };
+  on_device(body, data("priorities") + "||0");
+}

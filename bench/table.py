@@ -19,8 +19,13 @@ COLLECTING = {
 LINKED = {"veth": "with IFLA_LINK", "ifb": "without"}
 FAMILIES = {
     "scan": {"20": "walk 20 lines", "35000": "walk 1 MB of lines"},
+    "send": {"100": "send a message of 100 bytes", "1500": "send a message of 1500 bytes"},
+    "drain": {"1": "send and drain 1 message", "10": "send and drain 10 messages"},
+    "translate": {"1": "translate by the first of 2,000 entries", "1000": "translate by the 1,000th",
+                  "2000": "translate by the last"},
 }
-GOALS = {"scan/limit/20": 1.1, "scan/limit/35000": 1.7}
+GOALS = {"scan/limit/20": 1.1, "scan/limit/35000": 1.7, "send/limit/100": 1.65, "send/select/100": 1.05,
+         "translate/limit/1": 1.1, "translate/limit/1000": 1.1, "translate/limit/2000": 1.1}
 
 
 def rounds_of(folder, name):

@@ -45,7 +45,7 @@ DEVFACTS_API int set_po_access_path(const char *catalogue, const char *base_dir)
  * read or lacks the text, and where the line behind has no whole `msgstr "TRANSLATION"`. It belongs to the library, is
  * not to be freed or changed, and is good until the next call.
  */
-DEVFACTS_API char *gettext(const char *msgid) DEVFACTS_NOTHROW;
+DEVFACTS_API char *gettext(const char *msgid) DEVFACTS_NOTHROW; /* NOLINT(readability-redundant-declaration) */
 
 DEVFACTS_END_DECLS
 

@@ -141,8 +141,8 @@ DEVFACTS_API void xml_int64_item(const char *name, int64_t value);
 DEVFACTS_API void xml_double_item(const char *name, double value);
 
 /**
- * Escapes a text for XML: each apostrophe, quotation mark, ampersand, less-than and greater-than sign becomes its entity,
- * every other byte stays as it is.
+ * Escapes a text for XML: each apostrophe, quotation mark, ampersand, less-than and greater-than sign becomes its
+ * entity, every other byte stays as it is.
  *
  * It works on bytes, so UTF-8 comes through unchanged, and so do control bytes, which XML does not allow. A text that
  * is escaped already is escaped again.

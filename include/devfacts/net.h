@@ -148,7 +148,8 @@ DEVFACTS_API void ifi_free_all(void);
 DEVFACTS_API int nl_collect_interface(struct nlmsghdr *message);
 
 /**
- * The parent of a virtual interface: the first line of "/proc/sys/net/NAME/%parent", without the white space at its end.
+ * The parent of a virtual interface: the first line of "/proc/sys/net/NAME/%parent", without the white space at its
+ * end.
  *
  * @param name interface name; null gives -1. The path has room for 127 characters and is cut there, so a name that
  *        long gives -1 in practice; the kernel's have 15 at most.

@@ -49,7 +49,9 @@ TEST(ethernet, a_request_that_fails_is_the_last) {
     const auto &wanted = rows[nth];
     eth_status status;
     std::memset(&status, 0x5a, sizeof status);
+    int control = ioctl_socket();
     EXPECT_EQ(eth_info(&status, "eth0"), nth == 0 ? 0 : -1);
+    EXPECT_EQ(close(control), -1) << "the control socket was left open";
     EXPECT_EQ(status.speed, wanted.speed);
     EXPECT_EQ(status.duplex, wanted.duplex);
     EXPECT_EQ(status.link, wanted.link);
@@ -57,7 +59,8 @@ TEST(ethernet, a_request_that_fails_is_the_last) {
     EXPECT_EQ(shown(status.perm_addr, 6), wanted.address);
     fail("ioctl", nth, EPERM);
     EXPECT_EQ(eth_capable("eth0"), nth != 1);
-    const int control = ioctl_socket();
+    control = ioctl_socket();
+    std::memset(status.perm_addr, 'x', 6);
     fail("ioctl", nth, EPERM);
     EXPECT_EQ(eth_perm_addr(status.perm_addr, "eth0"), nth == 1 ? -1 : 0);
     EXPECT_EQ(shown(status.perm_addr, 6), nth == 1 ? "......" : "perman");

@@ -139,13 +139,20 @@ TEST(wireless, a_query_that_is_refused_writes_nothing) {
   std::memset(&range, 0x5a, sizeof range);
   EXPECT_EQ(get_range_info("radio0", &range), -1);
   EXPECT_EQ(bytes_of(range), std::string(sizeof range, 0x5a));
+  drive([](unsigned long, void *) { return 0; });  // and writes nothing
+  EXPECT_EQ(get_range_info("radio0", &range), 0);
+  EXPECT_EQ(bytes_of(range), std::string(sizeof range, 0));
+  std::strcpy(status.ieee_name, "IEEE 802.11");
+  EXPECT_EQ(iw_ieee_name(&status, "radio0"), 0);
+  EXPECT_EQ(shown(status.ieee_name, 17), std::string(17, '.'));
 }
 
 TEST(wireless, names_reach_the_driver_whole_or_cut) {
   radio driver;
   driver.start();
   const int control = ioctl_socket();
-  for (const char *name : {"", "radio0123456789", "radio01234567890", "radio0123456789012"})
+  for (const char *name :
+       {"", "radio0123456789", "radio01234567890", "radio01234567890 and so on to behind the record's end"})
     EXPECT_EQ(iw_capable(name), 1);
   driver.refused = 0x8B01;
   EXPECT_EQ(iw_capable("x"), 0);
@@ -228,7 +235,8 @@ TEST(counters, files_of_all_kinds) {
       EXPECT_EQ(seen.str(), row[1]) << row[0];
     }
     const std::string cut = "r" + std::string(4077, '/');  // leaves room for all but the last letter
-    write_file("/proc/net/r/rxstat", "Packets: 1");
+    for (const char *other : {"r/rxstat", "(null)/rxstats"})
+      write_file(std::string("/proc/net/") + other, "Packets: 1");
     for (const char *name : {static_cast<const char *>(nullptr), "none", cut.c_str()})
       EXPECT_EQ(iw_rx_total(&none, name), -1);
   });
@@ -269,13 +277,13 @@ std::string limits_of(const char *name) {
 }
 
 TEST(limits, the_first_call_settles_them) {
-  for (const auto &row : rows("limits")) {  // the name, the allocation that fails, the limits
+  for (const auto &row : rows("limits")) {  // the name, the allocation that fails, the limits, the iterator
     on_device([&, file = data("radios")] {
       write_file("/etc/product", file);
       EXPECT_EQ(iw_countrycode_limits(), std::string("DE"));
       fail("allocation", std::stoi(row[1]), ENOMEM);
       limits_of(row[0].c_str());
-      asked();
+      EXPECT_NE(asked().find("free " + row[3]), std::string::npos) << row[0];
       prod_spec_close();
       EXPECT_EQ(limits_of("bare"), row[2]) << row[0];
       EXPECT_EQ(asked(), "destroy\n");

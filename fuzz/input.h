@@ -1,0 +1,31 @@
+// What a fuzz target gives the library: bytes that stand in the place of every file that it opens and of every datagram
+// that it receives over netlink.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <string_view>
+
+namespace fuzz {
+
+using std::string_view;
+
+inline string_view view(const uint8_t *bytes, size_t count) { return {reinterpret_cast<const char *>(bytes), count}; }
+
+// What every file holds from now on. A flash device keeps what is written to it, until the next call.
+void set_files(string_view contents);
+void set_flash(string_view contents);
+
+// Each datagram stands behind its length, a byte times four.
+void set_datagrams(string_view datagrams);
+
+// Runs what may end the process, which here ends the body alone.
+void run(const std::function<void()> &body);
+
+inline void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+}  // namespace fuzz

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -37,9 +38,10 @@ std::vector<std::vector<std::string>> rows(const std::string &name);
 // The bytes, each NUL as a dot; "-" for null.
 std::string shown(const void *bytes, size_t count);
 
-// Under the user emulation the kernel's own link messages come through with their last empty attribute unswapped, which
-// the attribute walk rightly warns of.
-inline constexpr bool emulated = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
+// Big-endian is the device: a whole board, or the emulation of its user space. Under the latter the kernel's own link
+// messages come through with their last empty attribute unswapped, which the attribute walk rightly warns of.
+inline constexpr bool big_endian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
+inline const bool emulated = big_endian && std::getenv("BOARD") == nullptr;
 
 // In the copy of the library that the tests link, the n-th call (from 1) of that name from now on fails with this
 // errno; "allocation" stands for malloc and its kin, "realloc" for that alone. An error of 0 makes the call give 0:

@@ -2,15 +2,27 @@
 // parallel DEVICE FAMILY...
 #include <devfacts/core.h>
 #include <devfacts/ethernet.h>
+#include <devfacts/i18n.h>
 #include <devfacts/net.h>
 #include <devfacts/product.h>
+#include <devfacts/transport.h>
 #include <devfacts/wireless.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 #include <thread>
 #include <vector>
+
+static std::string own_path() { return "/tmp/" + std::to_string(gettid()); }
+
+static void receive(int fd) {
+  fd_set set;
+  FD_ZERO(&set);
+  FD_SET(fd, &set);
+  socket_read(fd, &set, [](const void *, uint32_t) { return 0; });
+}
 
 static constexpr struct {
   const char *family;
@@ -51,6 +63,20 @@ static constexpr struct {
        keyval_list list{};
        keyvalue("/proc/net/ra0/peers", nullptr, &list), keyval_destroy(&list);
      }},
+    {"receiver",
+     [] {
+       const std::string path = own_path();
+       const int fd = socket_input_init(path.c_str());
+       receive(fd), socket_input_shutdown(fd, path.c_str());
+     }},
+    {"sender",
+     [] {
+       const std::string path = own_path();
+       const int fd = socket_input_init(path.c_str());
+       socket_write("message", 7, path.c_str());
+       receive(fd), socket_input_shutdown(fd, path.c_str());
+     }},
+    {"texts", [] { set_po_access_path("status", "/usr/share/po"), gettext("Signal"); }},
 };
 
 int main(int count, char **words) {

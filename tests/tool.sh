@@ -33,8 +33,8 @@ mount --bind "$(dirname "$0")/../examples/device/etc" /etc
 expect 0 'ra1' '' product radio.1.master
 expect 1 '' 'devfacts: no value of "radio.%d.master"' product radio.%d.master
 expect 0 $'<product>\n*<radio>*</product>' '' product
-commands=$("${tool[@]}" --help | sed -n '/^commands:/,$s/^  \([a-z]*\) .*/\1/p')
-described=$(sed -nE 's/^\.B[RI] ([a-z]+) ".*/\1/p' "$(dirname "$0")/../docs/devfacts.1")
+commands=$("${tool[@]}" --help | sed -n '/^commands:/,$s/^  \([a-z]*\) .*/\1/p' | sort)
+described=$(sed -n '/^\.SH COMMANDS/,/^\.SH OPTIONS/{/^\.TP/{n;s/^\.B[RI] \([a-z]*\) .*/\1/p}}' "$(dirname "$0")/../docs/devfacts.1" | sort)
 [[ -n $commands && $commands == "$described" ]] || { echo "devfacts.1 describes" $described, "not" $commands; failed=1; }
 expect 0 'Verbundene Stationen' '' translate "$(dirname "$0")/../examples/device/usr/share/po" status 'Connected stations'
 "${tool[@]}" listen "$err.socket" >"$err.heard" &

@@ -234,7 +234,8 @@ TEST(counters, files_of_all_kinds) {
            << s.state_scan << " " << s.state_auth << " " << s.state_assoc << " " << s.state_run;
       EXPECT_EQ(seen.str(), row[1]) << row[0];
     }
-    const std::string cut = "r" + std::string(4077, '/');  // leaves room for all but the last letter
+    std::string cut(4078, '/');  // leaves room for all but the last letter
+    cut[0] = 'r';
     for (const char *other : {"r/rxstat", "(null)/rxstats"})
       write_file(std::string("/proc/net/") + other, "Packets: 1");
     for (const char *name : {static_cast<const char *>(nullptr), "none", cut.c_str()})

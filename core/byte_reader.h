@@ -30,6 +30,8 @@ class byte_reader {
     return piece;
   }
 
+  std::size_t left() const { return rest_.size(); }
+
  private:
   std::span<const std::byte> rest_;
 };

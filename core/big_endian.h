@@ -1,0 +1,28 @@
+// A number as the records of another byte order hold it: most significant byte first, at any address.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace devfacts {
+
+template <class T>
+class big_endian {
+ public:
+  constexpr big_endian() = default;
+  constexpr big_endian(T value) {
+    for (std::size_t i = sizeof value; i-- > 0; value = static_cast<T>(value >> 8)) {
+      bytes_[i] = static_cast<uint8_t>(value);
+    }
+  }
+  constexpr operator T() const {
+    T value = 0;
+    for (const uint8_t byte : bytes_) value = static_cast<T>(value << 8 | byte);
+    return value;
+  }
+
+ private:
+  uint8_t bytes_[sizeof(T)] = {};
+};
+
+}  // namespace devfacts

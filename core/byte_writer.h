@@ -1,0 +1,37 @@
+// The bounded writer for bytes that outlive the process: it never writes beyond what it was given, nor a byte that
+// stands there already, so of memory that maps a file only those pages get dirty that change.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <type_traits>
+
+namespace devfacts {
+
+class byte_writer {
+ public:
+  explicit byte_writer(std::span<std::byte> room) : rest_(room) {}
+
+  // The record as it lies in memory.
+  template <class T>
+  void write(const T &record) {
+    static_assert(std::is_trivially_copyable_v<T>);
+    write(&record, sizeof record);
+  }
+
+  void write(const void *bytes, std::size_t count) {
+    const auto *from = static_cast<const std::byte *>(bytes);
+    const auto piece = rest_.first(std::min(count, rest_.size()));
+    for (std::byte &to : piece) {
+      if (to != *from) to = *from;
+      ++from;
+    }
+    rest_ = rest_.subspan(piece.size());
+  }
+
+ private:
+  std::span<std::byte> rest_;
+};
+
+}  // namespace devfacts

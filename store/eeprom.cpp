@@ -1,0 +1,73 @@
+// The table and the store: loading and saving.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "store/backing.h"
+#include "store/image.h"
+#include "store/record_table.h"
+
+using namespace devfacts;
+
+namespace {
+
+constexpr uint32_t initial_capacity = 35;
+constexpr off_t image_offset = 4096;
+constexpr size_t block_size = 4096;
+static_assert(block_size % image_step == 0);
+
+bool load_at(int fd, off_t offset) { return lseek(fd, offset, SEEK_SET) == offset && eeprom_load_image(fd) == 0; }
+
+// Loads the image at the lowest offset at which one loads. The store is over where a read of a single step fails; a
+// block that comes short may hold steps yet, which are then read one at a time.
+bool find_image(int fd) {
+  std::byte block[block_size];
+  size_t wanted = block_size;
+  for (off_t offset = 0;;) {
+    const ssize_t count = pread(fd, block, wanted, offset);
+    if (count < static_cast<ssize_t>(image_step) && wanted == image_step) return false;
+    std::span<const std::byte> rest(block, count > 0 ? static_cast<size_t>(count) : 0);
+    wanted = rest.size() == wanted ? block_size : image_step;
+    for (; rest.size() >= image_step; rest = rest.subspan(image_step), offset += image_step) {
+      if (is_candidate(rest.first<image_step>()) && load_at(fd, offset)) return true;
+    }
+  }
+}
+
+}  // namespace
+
+int eeprom_init() {
+  eeprom_table = {0, nullptr};
+  auto *slots = static_cast<eeprom_record **>(std::calloc(initial_capacity, sizeof(eeprom_record *)));
+  if (slots == nullptr) return -1;
+  eeprom_table = {initial_capacity, slots};
+  const unique_fd store = open_store();
+  return store && find_image(store.get()) ? 0 : -1;
+}
+
+void eeprom_read(const char *path) {
+  const unique_fd file{open(path, O_RDONLY | O_CLOEXEC)};
+  if (!file) {
+    std::fprintf(stderr, "cannot open '%s' file, %s\n", path, std::strerror(errno));
+    return;
+  }
+  eeprom_load_image(file.get());
+}
+
+void eeprom_write() {
+  const size_t size = eeprom_image_size();
+  if (size < shortest_image || size > longest_image) return;
+  unique_fd store = open_store();
+  if (!store || !has_room(store.get(), image_offset, size)) return;
+  void *mapping = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, store.get(), image_offset);
+  store.reset();
+  if (mapping == MAP_FAILED) return;
+  write_image({static_cast<std::byte *>(mapping), size});
+  msync(mapping, size, MS_SYNC);
+  munmap(mapping, size);
+}

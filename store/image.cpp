@@ -1,0 +1,88 @@
+#include "store/image.h"
+
+#include <alloca.h>
+#include <unistd.h>
+
+#include "core/big_endian.h"
+#include "core/byte_reader.h"
+#include "core/byte_writer.h"
+#include "store/record_table.h"
+
+using namespace devfacts;
+
+namespace {
+
+constexpr uint32_t image_magic = 0x57584545;  // "WXEE"
+constexpr uint32_t longest_loaded = 65536;
+
+struct image_header {
+  big_endian<uint32_t> magic;
+  big_endian<uint32_t> total_length;  // header, records and their padding
+  big_endian<uint16_t> fixed_one;     // not looked at
+  big_endian<uint16_t> fixed_zero;    // not looked at
+  big_endian<uint32_t> must_be_zero;
+};
+static_assert(sizeof(image_header) == image_step && alignof(image_header) == 1);
+
+struct record_head {
+  big_endian<uint16_t> length;  // head and payload, without the padding
+  big_endian<uint16_t> id;
+};
+static_assert(sizeof(record_head) == record_head_size);
+
+bool load_records(byte_reader image) {
+  while (image.left() >= sizeof(record_head)) {
+    const size_t remaining = image.left();
+    const auto head = image.read<record_head>();
+    const uint32_t length = head.length;
+    if (length < sizeof head || length > remaining) return false;
+    const auto payload = image.take(length - sizeof head);
+    if (eeprom_update(head.id, payload.data(), static_cast<uint32_t>(payload.size())) != 0) return false;
+    if (padded_size(length) > remaining) return false;
+    image.take(padded_size(length) - length);
+  }
+  return image.left() == 0;
+}
+
+bool read_exactly(int fd, void *bytes, size_t count) { return read(fd, bytes, count) == static_cast<ssize_t>(count); }
+
+}  // namespace
+
+bool devfacts::is_candidate(std::span<const std::byte, image_step> bytes) {
+  const auto header = byte_reader(bytes.data(), bytes.size()).read<image_header>();
+  return header.magic == image_magic && header.total_length >= shortest_image && header.total_length <= longest_image;
+}
+
+int devfacts::eeprom_load_image(int fd) {
+  image_header header;
+  if (!read_exactly(fd, &header, sizeof header) || header.magic != image_magic) return -1;
+  const uint32_t total_length = header.total_length;
+  if (total_length > longest_loaded) return -1;
+  if (lseek(fd, -static_cast<off_t>(sizeof header), SEEK_CUR) < 0) return -1;
+  // On the stack, though its size is known at run time only: gone on every way out, and no memory to run out of.
+  // cppcheck-suppress allocaCalled
+  void *buffer = alloca(total_length);
+  if (!read_exactly(fd, buffer, total_length)) return -1;
+  byte_reader image(buffer, total_length);
+  if (image.read<image_header>().must_be_zero != 0 || total_length < sizeof header) return -1;
+  return load_records(image) ? 0 : -1;
+}
+
+size_t devfacts::eeprom_image_size() {
+  size_t size = sizeof(image_header);  // all ids with the longest records are below 4 GiB
+  for (uint32_t id = 0; id < eeprom_table.capacity; ++id) {
+    if (eeprom_table.slots[id] != nullptr) size += padded_size(eeprom_table.slots[id]->length);
+  }
+  return size;
+}
+
+void devfacts::write_image(std::span<std::byte> room) {
+  byte_writer image(room);
+  image.write(image_header{image_magic, static_cast<uint32_t>(room.size()), uint16_t{1}, uint16_t{0}, 0U});
+  for (uint32_t id = 0; id < eeprom_table.capacity; ++id) {
+    const eeprom_record *record = eeprom_table.slots[id];
+    if (record == nullptr) continue;
+    image.write(record_head{record->length, record->id});
+    image.write(record + 1, padded_size(record->length) - record_head_size);
+  }
+}

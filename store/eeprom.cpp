@@ -27,7 +27,7 @@ bool load_at(int fd, off_t offset) { return lseek(fd, offset, SEEK_SET) == offse
 // block that comes short may hold steps yet, which are then read one at a time.
 bool find_image(int fd) {
   std::byte block[block_size];
-  size_t wanted = block_size;
+  size_t wanted = image_step;
   for (off_t offset = 0;;) {
     const ssize_t count = pread(fd, block, wanted, offset);
     if (count < static_cast<ssize_t>(image_step) && wanted == image_step) return false;

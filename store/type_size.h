@@ -5,13 +5,13 @@
 
 namespace devfacts {
 
-inline constexpr uint8_t eeprom_type_size[] = {
+constexpr uint8_t eeprom_type_size[] = {
     0,  1, 1, 1, 1, 4, 1, 8, 8,   //
     4,  4, 1, 4, 4, 4, 2, 4, 1,   //
     1,  1, 1, 0, 0, 0, 0, 1, 12,  //
     12, 6, 6, 1, 1, 1, 1, 1, 0,   //
 };
-inline constexpr uint32_t eeprom_type_count = sizeof eeprom_type_size;
+constexpr uint32_t eeprom_type_count = sizeof eeprom_type_size;
 static_assert(eeprom_type_count == 36);
 
 }  // namespace devfacts

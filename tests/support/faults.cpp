@@ -1,8 +1,10 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/select.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +22,11 @@ static long live = 0;
 static size_t newest = 0;
 static std::vector<std::string> canned;
 static std::function<int(unsigned long, void *)> driver;
+static std::function<void(void *, size_t)> mapped;
+static struct {
+  off_t place = -1;
+  bool cuts = false;
+} bad;
 
 static void *resized(void *block, size_t size) {
   void *made = test::strikes("allocation") ? nullptr : realloc(block, size);
@@ -72,6 +79,41 @@ FAULTY(int, poll, (pollfd * slots, nfds_t count, int limit), slots, count, limit
 FAULTY(int, select, (int count, fd_set *in, fd_set *out, fd_set *other, timeval *limit), count, in, out, other, limit)
 FAULTY(int, bind, (int fd, const sockaddr *address, socklen_t size), fd, address, size)
 FAULTY(ssize_t, send, (int fd, const void *bytes, size_t size, int flags), fd, bytes, size, flags)
+FAULTY(int, fchmod, (int fd, mode_t mode), fd, mode)
+FAULTY(int, msync, (void *bytes, size_t size, int flags), bytes, size, flags)
+FAULTY(int, munmap, (void *bytes, size_t size), bytes, size)
+#define FAULTY64(result, call, parameters, ...) \
+  result test_##call##64 parameters { return strikes(#call) ? -1 : call(__VA_ARGS__); }
+FAULTY64(off_t, lseek, (int fd, off_t offset, int from), fd, offset, from)
+FAULTY64(int, stat, (const char *path, struct stat *status), path, status)
+FAULTY64(int, fstat, (int fd, struct stat *status), fd, status)
+FAULTY64(int, ftruncate, (int fd, off_t size), fd, size)
+
+int test_posix_fallocate64(int fd, off_t offset, off_t size) {
+  return strikes("posix_fallocate") ? armed.error : posix_fallocate(fd, offset, size);
+}
+
+ssize_t test_pread64(int fd, void *bytes, size_t size, off_t offset) {
+  if (strikes("pread")) return -1;
+  const bool is_hit = bad.place >= 0 && offset + static_cast<off_t>(size) > bad.place;
+  if (!is_hit) return pread(fd, bytes, size, offset);
+  if (bad.cuts && offset < bad.place) return pread(fd, bytes, static_cast<size_t>(bad.place - offset), offset);
+  return errno = EIO, -1;
+}
+
+ssize_t test_read(int fd, void *bytes, size_t size) {
+  if (strikes("read")) return -1;
+  if (bad.place < 0) return read(fd, bytes, size);
+  const ssize_t count = test_pread64(fd, bytes, size, lseek(fd, 0, SEEK_CUR));
+  if (count > 0) lseek(fd, count, SEEK_CUR);
+  return count;
+}
+
+void *test_mmap64(void *place, size_t size, int protection, int flags, int fd, off_t offset) {
+  void *made = strikes("mmap") ? MAP_FAILED : mmap(place, size, protection, flags, fd, offset);
+  if (mapped && made != MAP_FAILED) mapped(made, size);
+  return made;
+}
 
 int test_getsockname(int fd, sockaddr *address, socklen_t *size) {
   if (!strikes("getsockname")) return getsockname(fd, address, size);
@@ -94,7 +136,7 @@ int test_ioctl(int fd, unsigned long number, void *record) {
   return driver ? driver(number, record) : ioctl(fd, number, record);
 }
 
-int test_open64(const char *path, int flags) { return strikes("open") ? -1 : open(path, flags); }
+int test_open64(const char *path, int flags, mode_t mode) { return strikes("open") ? -1 : open(path, flags, mode); }
 
 long test_syscall(long number, int fd, void *bytes, size_t size) {
   return strikes("syscall") ? -1 : syscall(number, fd, bytes, size);
@@ -116,5 +158,9 @@ long test::live_blocks() { return live; }
 size_t test::newest_size() { return newest; }
 
 void test::drive(const std::function<int(unsigned long, void *)> &answer) { driver = answer; }
+
+void test::on_mapping(const std::function<void(void *, size_t)> &look) { mapped = look; }
+
+void test::break_store(off_t place, bool cuts) { bad = {place, cuts}; }
 
 void test::receive_instead(const std::vector<std::string> &datagrams) { canned = datagrams; }

@@ -59,6 +59,12 @@ size_t newest_size();
 // This answers the library's requests from now on, in a driver's place: their number and record, as ioctl has them.
 void drive(const std::function<int(unsigned long, void *)> &answer);
 
+// This sees each mapping that the library makes before it is used.
+void on_mapping(const std::function<void(void *, size_t)> &look);
+
+// The library's read and pread of this place and what lies behind it fail, or give what lies in front; -1 ends that.
+void break_store(off_t place, bool cuts);
+
 // The library's recvmsg gives these datagrams, one a call, before it asks the kernel again.
 void receive_instead(const std::vector<std::string> &datagrams);
 

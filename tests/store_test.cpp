@@ -1,0 +1,409 @@
+// The record table and its image, in stores that are damaged, torn, full or failing.
+#include <devfacts/store.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+#include <map>
+#include <random>
+
+#include "store/record_table.h"
+#include "support/test.h"
+
+using namespace test;
+
+using records = std::map<int, std::string>;
+
+constexpr char path[] = "/var/cfg/.eeprom";
+constexpr size_t place = 4096, whole = 65536;
+static records found;
+
+int collect(const eeprom_record *record) {
+  const auto *payload = reinterpret_cast<const char *>(record + 1);
+  const size_t size = record->length - 4U, zeros = padded(std::string(size, 'x')).size() - size + 1;
+  EXPECT_EQ(std::string(payload + size, zeros), std::string(zeros, '\0'));
+  EXPECT_TRUE(found.empty() || found.rbegin()->first < record->id);
+  found[record->id] = {payload, size};
+  return 1;
+}
+
+records table() {
+  found.clear();
+  eeprom_for_each(collect);
+  return found;
+}
+
+int put(int id, const std::string &payload) {
+  return eeprom_update(id, payload.data(), static_cast<uint32_t>(payload.size()));
+}
+
+int init() { return eeprom_free(), eeprom_init(); }
+
+std::string shown(const records &table) {
+  std::string text;
+  for (const auto &[id, payload] : table) text += " " + std::to_string(id) + ":" + payload;
+  return text;
+}
+
+// The format and the search told once more, in other words.
+std::string number(size_t value, int size) {
+  return size == 0 ? "" : number(value >> 8, size - 1) + static_cast<char>(value);
+}
+
+size_t number_at(const std::string &text, size_t at, size_t size) {
+  size_t value = 0;
+  for (const char byte : text.substr(at, size)) value = value << 8 | static_cast<unsigned char>(byte);
+  return value;
+}
+
+std::string image(const records &table) {
+  std::string text;
+  for (const auto &[id, payload] : table) text += padded(number(payload.size() + 4, 2) + number(id, 2) + payload);
+  return "WXEE" + number(text.size() + 16, 4) + number(0x10000, 4) + number(0, 4) + text;
+}
+
+bool load(records &table, const std::string &text, size_t total) {
+  if (total > text.size() || total < 16 || number_at(text, 12, 4) != 0) return false;
+  size_t at = 16;
+  while (at + 4 <= total) {
+    const size_t length = number_at(text, at, 2), id = number_at(text, at + 2, 2);
+    if (length < 4 || at + length > total || (length > 4 && id == 65535)) return false;
+    if (length > 4) table[static_cast<int>(id)] = text.substr(at + 4, length - 4);
+    at += (length + 3) / 4 * 4;
+  }
+  return at == total;
+}
+
+int search(records &table, const std::string &store) {
+  for (size_t at = 0; at + 16 <= store.size(); at += 16) {
+    if (store.compare(at, 4, "WXEE") != 0) continue;
+    const size_t total = number_at(store, at + 4, 4);
+    if (total > 16 && total < 65536 && load(table, store.substr(at, total), total)) return 0;
+  }
+  return -1;
+}
+
+std::string contents(const std::string &file = path) {
+  return {std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {}};
+}
+
+std::string sized(std::string store, size_t size = whole, char with = '\0') { return store.resize(size, with), store; }
+
+std::string with_image(const std::string &image, size_t at = place) { return sized(std::string(at, '-') + image); }
+
+// The library finds in the store what there is to find in front of the place where it ends or breaks.
+void expect_found(const std::string &store, off_t end = -1, bool cuts = false) {
+  write_file(path, store);
+  records wanted;
+  const int result = search(wanted, end < 0 ? sized(store) : sized(store, static_cast<size_t>(end)));
+  break_store(end, cuts);
+  EXPECT_EQ(init(), result);
+  EXPECT_EQ(shown(table()), shown(wanted));
+  break_store(-1, false);
+}
+
+records random_table(std::mt19937 &random, unsigned count, unsigned most) {
+  records table;
+  while (count-- > 0) {
+    std::string &payload = table[static_cast<int>(random() % 40)];
+    for (payload = std::string(1 + random() % most, 0); char &byte : payload) byte = static_cast<char>(random());
+  }
+  return table;
+}
+
+TEST(records, the_table_grows_to_twice_the_id) {
+  for (const auto &[id, capacity] :
+       {std::pair(0, 1U), {1, 2}, {34, 68}, {32767, 65534}, {32768, 65535}, {65534, 65535}}) {
+    EXPECT_EQ(put(id, "a"), 0);
+    for (const int bad : {65535, 65536, -1, INT32_MIN}) EXPECT_EQ(put(bad, "b"), -1);
+    EXPECT_EQ(put(id, std::string(65532, 'x')), -1);
+    EXPECT_EQ(put(id, "") + put(70000, ""), 0);
+    EXPECT_EQ(devfacts::eeprom_table.capacity, capacity);
+    EXPECT_EQ(table(), (records{{id, "a"}}));
+    EXPECT_EQ(put(id, std::string(65531, 'x')), 0);
+    EXPECT_EQ(table(), (records{{id, std::string(65531, 'x')}}));
+    for (const uint32_t each : {65535U, UINT32_MAX, static_cast<uint32_t>(id)}) eeprom_delete(each);
+    EXPECT_EQ(table(), records());
+    eeprom_free(), eeprom_free();
+    EXPECT_EQ(live_blocks(), 0);
+  }
+  for (const auto &[size, room] : {std::pair(1, 9U), {4, 9}, {5, 13}}) {
+    put(1, std::string(size, 'x'));
+    EXPECT_EQ(newest_size(), room);
+  }
+  eeprom_free();
+}
+
+TEST(records, elements_have_the_size_of_their_id) {
+  on_device([] {
+    init();
+    const std::string sizes = "0111141884414442411110000100661111100";  // 0 for the two of 12, and for what is beyond
+    for (int id = -1; id < 37; ++id) {
+      const uint32_t size = id < 0                 ? 0
+                            : id == 26 || id == 27 ? 12
+                                                   : static_cast<uint32_t>(sizes.at(static_cast<size_t>(id)) - '0');
+      for (const uint32_t bytes : {0U, 27U, 3U}) {
+        put(id, std::string(bytes, 'x'));
+        const void *data = "";
+        uint32_t count = 1;
+        EXPECT_EQ(eeprom_get(id, &data, &count), size != 0 && bytes >= size ? 1 : 0) << id;
+        EXPECT_EQ(count, size == 0 ? 0 : bytes / size) << id;
+        EXPECT_EQ(shown(data, 4), id < 0 || id > 35 || bytes == 0 ? "-" : bytes == 3 ? "xxx." : "xxxx") << id;
+      }
+    }
+  });
+}
+
+int change_around(const eeprom_record *record) {
+  std::printf("%d ", record->id);
+  if (record->id == 1) eeprom_delete(2), put(300, "x"), put(0, "x"), eeprom_delete(1);
+  return -1;
+}
+
+TEST(records, a_walk_goes_on_in_a_table_that_changes) {
+  expect_run("1 3 300 0 3 300 ||0", [] {
+    for (const int id : {3, 1, 2}) put(id, "x");
+    eeprom_for_each(change_around), eeprom_for_each(change_around);
+  });
+}
+
+TEST(eeprom, thousands_of_operations_end_as_the_model_says) {
+  on_device([] {
+    std::mt19937 random(20);
+    std::string store = with_image("");
+    write_file(path, store);
+    EXPECT_EQ(init(), -1);
+    records wanted;
+    for (int i = 0; i < 4000; ++i) {
+      const int id = static_cast<int>(random() % (random() % 64 == 0 ? 65535 : 50));
+      const unsigned operation = random() % 16;
+      if (operation == 0) {
+        wanted.clear();
+        EXPECT_EQ(init(), search(wanted, store));
+      } else if (operation == 1) {
+        records more = random_table(random, 5, 20);
+        write_file("/image", image(more) + "behind");
+        eeprom_read("/image");
+        more.merge(wanted), wanted.swap(more);
+      } else if (operation < 4) {
+        eeprom_write();
+        if (!wanted.empty()) store.replace(place, image(wanted).size(), image(wanted));
+        ASSERT_TRUE(contents() == store) << i;
+      } else if (operation < 8) {
+        eeprom_delete(static_cast<uint32_t>(id)), wanted.erase(id);
+      } else {
+        const std::string payload(random() % (random() % 32 == 0 ? 900 : 60), static_cast<char>(random()));
+        EXPECT_EQ(put(id, payload), 0);
+        if (!payload.empty()) wanted[id] = payload;
+      }
+      ASSERT_TRUE(i % 8 != 0 || table() == wanted) << i;
+    }
+    eeprom_free();
+    EXPECT_EQ(live_blocks(), 0);
+  });
+}
+
+std::string from_hex(const std::string &text) {
+  std::string bytes;
+  for (size_t at = 0; (at = text.find_first_not_of(' ', at)) < text.size(); at += 2) {
+    bytes += static_cast<char>(std::stoi(text.substr(at, 2), nullptr, 16));
+  }
+  return bytes;
+}
+
+// Each row: what it is; what the search gives and the records; the image.
+TEST(eeprom, what_it_makes_of_images) {
+  for (const auto &row : rows("images")) {
+    on_device([&] {
+      const std::string made = from_hex(row[2]), kept = row[1].substr(std::min(row[1].size(), row[1].find(' ')));
+      write_file(path, with_image(made)), write_file("/image", made);
+      const std::string result = std::to_string(init());
+      EXPECT_EQ(result + shown(table()), row[1]) << row[0];
+      eeprom_free(), eeprom_read("/image");
+      EXPECT_EQ(shown(table()), kept) << row[0];
+      for (const size_t at : {0U, 16U, 8U, 4080U, 65504U}) expect_found(with_image(made, at));
+      expect_found(with_image(sized(made, 48) + image({{5, "new"}, {9, "x"}})));
+    });
+  }
+}
+
+TEST(eeprom, the_longest_image_is_for_reading_alone) {
+  const auto compare = [] {
+    const std::string longest = image({{1, std::string(32700, 'a')}, {2, std::string(32812, 'b')}});
+    expect_found(longest);
+    for (const size_t size : {whole, whole - 1}) {
+      write_file("/image", longest.substr(0, size));
+      eeprom_free(), eeprom_read("/image"), eeprom_read("/none");
+      EXPECT_EQ(image(table()), size == whole ? longest : image({}));
+    }
+  };
+  const std::string words = "cannot open '/none' file, No such file or directory\n";
+  on_device(compare, "|" + words + words + "|0");
+}
+
+TEST(eeprom, the_search_finds_what_there_is_in_any_store) {
+  on_device([] {
+    std::mt19937 random(62);
+    for (int i = 0; i < 300; ++i) {
+      std::string store = sized("");
+      for (unsigned count = random() % 7; count > 0; --count) {
+        std::string made = image(random_table(random, 1 + random() % 9, i % 5 == 0 ? 3000 : 40));
+        for (unsigned faults = random() % 4; faults > 0; --faults)
+          made[random() % 24] = static_cast<char>(random() % 3);
+        const size_t at = random() % 4000 * 16 + (random() % 8 == 0 ? random() % 16 : 0);
+        store.replace(at, std::min(made.size(), whole - at), made, 0, whole - at);
+      }
+      expect_found(store), expect_found(store.substr(0, random() % whole));
+      expect_found(store, static_cast<off_t>(random() % whole), i % 2 == 0);
+    }
+    const std::string across = with_image(image({{7, "12345678"}}), 8176);
+    for (off_t end = 8150; end < 8240; ++end) expect_found(across, end, true), expect_found(across, end, false);
+  });
+}
+
+TEST(eeprom, every_torn_state_of_a_write_loads_as_what_it_holds) {
+  on_device([] {
+    std::mt19937 random(512);
+    std::string older = image(random_table(random, 30, 250)), newer = image(random_table(random, 20, 250));
+    for (int round = 0; round < 2; ++round, older.swap(newer)) {
+      const std::string before = with_image(older), after = with_image(newer + before.substr(place + newer.size()));
+      for (size_t states = 1U << (newer.size() + 511) / 512; states-- > 0;) {
+        std::string torn = before;
+        for (size_t unit = 0; states >> unit != 0; ++unit) {
+          if ((states >> unit & 1) != 0) torn.replace(place + unit * 512, 512, after, place + unit * 512, 512);
+        }
+        expect_found(torn);
+      }
+    }
+  });
+}
+
+TEST(eeprom, a_writer_killed_at_any_moment_leaves_what_can_be_loaded) {
+  on_device([] {
+    std::mt19937 random(9);
+    write_file(path, "");
+    for (int round = 0; round < 60; ++round) {
+      const pid_t child = fork();
+      while (child == 0) {
+        for (const auto &[id, payload] : random_table(random, 20, 900)) put(id, payload);
+        eeprom_delete(random() % 40), eeprom_write();
+      }
+      usleep(500 + random() % 3000);
+      kill(child, SIGKILL), waitpid(child, nullptr, 0);
+      expect_found(contents());
+    }
+  });
+}
+
+static size_t open_page = 9;
+
+TEST(eeprom, only_pages_that_change_are_written) {
+  on_device([] {
+    std::string third(6000, 'c');
+    write_file(path, with_image(image({{1, std::string(6000, 'a')}, {2, "b"}, {3, third}})));
+    EXPECT_EQ(init(), 0);
+    on_mapping([](void *mapping, size_t size) {
+      mprotect(mapping, size, PROT_READ);
+      if (open_page < 9) mprotect(static_cast<char *>(mapping) + open_page * place, place, PROT_READ | PROT_WRITE);
+    });
+    eeprom_write();
+    open_page = 1, put(2, "B"), eeprom_write();
+    open_page = 2, third[5990] = 'C', put(3, third), eeprom_write();
+    EXPECT_EQ(contents(), with_image(image({{1, std::string(6000, 'a')}, {2, "B"}, {3, third}})));
+  });
+}
+
+TEST(eeprom, an_image_that_does_not_fit_is_not_written) {
+  for (const size_t end : {size_t{4096}, size_t{4119}, size_t{4120}, whole - 4, whole, whole + 4096}) {
+    on_device([=] {
+      write_file("/proc/mtd", end == whole ? "" : "\nmtd0: 0 0 \"Factory\"");
+      const std::string store = end == whole ? path : "/dev/mtdblock0", before(end, '-');
+      for (const size_t size :
+           {size_t{24}, size_t{61436}, size_t{61440}, size_t{61444}, size_t{65532}, size_t{65536}}) {
+        write_file(path, ""), write_file(store, before), init();
+        if (put(1, std::string(std::min(size, size_t{40000}) - 20, 'a')); size > 40000)
+          put(2, std::string(size - 40004, 'b'));
+        const bool fits = size + place <= end && size < 65536;
+        eeprom_write();
+        EXPECT_TRUE(contents(store) == (fits ? sized(before.substr(0, place) + image(table()), end, '-') : before))
+            << end << " " << size;
+      }
+    });
+  }
+}
+
+// Each row: what stands in the way, and the words of it.
+TEST(eeprom, stores_that_are_in_the_way_or_full_are_left_alone) {
+  const std::pair<std::function<int()>, std::string> rows[] = {
+      {[] { return rmdir("/var/cfg"); }, ""},
+      {[] { return write_file("/var/cfg", "no folder"), 0; }, ""},
+      {[] { return symlink("/none/x", path); }, "open() failed: No such file or directory\n"},
+      {[] { return mount("", "/var/cfg", "tmpfs", MS_RDONLY, ""); }, "open() failed: Read-only file system\n"},
+      {[] { return mount("", "/var/cfg", "tmpfs", 0, "size=8k"); }, ""},
+  };
+  for (const auto &[prepare, words] : rows) {
+    const auto body = [prepare = prepare] {
+      mkdir("/var", 0755), mkdir("/var/cfg", 0755);
+      EXPECT_EQ(prepare(), 0);
+      EXPECT_EQ(init(), -1);
+      EXPECT_EQ(devfacts::eeprom_table.capacity, 35U);
+      put(1, std::string(9000, 'a')), eeprom_write(), eeprom_free();
+      for (const char byte : contents()) ASSERT_EQ(byte, '\0');
+      umount2("/var/cfg", MNT_DETACH);
+    };
+    on_device(body, "|" + words + words + "|0");
+  }
+}
+
+// Each row: what is done, the call that fails, its number and error; the result, the table, the file and its image, the
+// slots; the words.
+TEST(eeprom, each_call_that_fails_costs_what_the_row_says) {
+  const std::map<std::string, int> errors{
+      {"EACCES", EACCES}, {"ENOSPC", ENOSPC}, {"EDQUOT", EDQUOT}, {"EOPNOTSUPP", EOPNOTSUPP}, {"EINTR", EINTR}};
+  for (const auto &row : rows("store.faults")) {
+    const auto body = [&] {
+      const bool is_init = row[0] == "init";
+      write_file(path, with_image(image({{1, "old"}, {2, "b"}, {90, "c"}})) + "more");
+      if (!is_init) init(), put(1, "new"), write_file(path, contents() + "more");
+      chmod(path, 0600);
+      fail(row[1].c_str(), std::stoi(row[2]), errors.at(row[3]));
+      const int result = is_init ? init() : (eeprom_write(), 0);
+      EXPECT_GE(calls_seen(), std::stoi(row[2])) << row[1];
+      fail("", 0, 0);
+      const std::string file = contents();
+      struct stat status;
+      stat(path, &status);
+      std::printf("%d%s; %zu %o %s; %u", result, shown(table()).c_str(), file.size(), status.st_mode & 0777,
+                  file.find("new") < whole ? "new" : "old", devfacts::eeprom_table.capacity);
+      eeprom_free();
+      EXPECT_EQ(live_blocks(), 0);
+    };
+    on_device(body, row[4] + "|" + row[5] + "|0");
+  }
+}
+
+// Each row: what it is; the name; the number of the device; the list.
+TEST(eeprom, partitions_are_found_by_name) {
+  auto lists = rows("partitions");
+  const std::string last = "\nmtd3: 0 0 \"Factory\"";
+  lists.push_back({"the last byte that counts", "Factory", "3", std::string(2047 - last.size(), 'x') + last});
+  lists.push_back({"one byte too far", "Factory", "-1", std::string(2048 - last.size(), 'x') + last});
+  for (const auto &row : lists) {
+    on_device([&] {
+      for (const char *number : {"0", "1", "2", "3", "8", "10"})
+        write_file(std::string("/dev/mtdblock") + number, number);
+      EXPECT_EQ(mtd_block_find(row[1].c_str()), -1);
+      write_file("/proc/mtd", row[3]);
+      const int least = dup(0), fd = mtd_block_find(row[1].c_str());
+      char text[9] = "-1";
+      if (fd >= 0) text[read(fd, text, 8)] = (fcntl(fd, F_GETFL) & O_ACCMODE) == O_RDWR ? '\0' : 'x';
+      EXPECT_EQ(text, row[2]) << row[0];
+      EXPECT_EQ(dup(0), fd < 0 ? least + 1 : fd + 1) << row[0];
+    });
+  }
+}

@@ -47,5 +47,35 @@ expect 1 '' $'Socket write error: No such file or directory\n*is not sent' send 
 expect 1 '' 'devfacts: cannot make a socket at "*"' listen "$err.heard"
 umount /etc
 expect 1 '' 'devfacts: cannot read a language in /etc/lang' translate /po status text
+
+mount -t tmpfs none /var && mkdir /var/cfg && cp "$(dirname "$0")/../examples/device/var/cfg/.eeprom" /var/cfg
+cp /var/cfg/.eeprom /var/before && tail -c +4097 /var/before >/var/image
+unchanged() { cmp /var/before /var/cfg/.eeprom || failed=1; }
+expect 0 $'<records>\n*<id>15</id>\n  <size>2</size>\n  <element_size>2</element_size>\n  <bytes>0168</bytes>\n*</records>' '' records
+for words in 'set 15 0168' 'set 15 0168 --writ' 'set 15 016 --write' 'set 15 0g --write' 'set 65535 00 --write' 'set 1x 00 --write' \
+  'delete 15' 'import /var/image' 'get -1' 'get'; do
+  expect 2 '' 'usage: devfacts records *' records $words
+done
+expect 2 '' 'devfacts: no such action: records put' records put
+expect 1 '' 'devfacts: no record 99' records get 99
+expect 1 '' 'devfacts: no record 99' records delete 99 --write
+expect 1 '' 'devfacts: the store does not hold the new records: *' records set 99 "$(printf '%0123000d')" --write
+unchanged
+expect 0 '' '' records set 65534 00fFA9 --write
+expect 0 '00ffa9' '' records get 65534
+expect 0 '' '' records delete 1 --write
+expect 0 '' '' records import /var/image --write
+expect 0 '03' '' records get 1
+expect 0 '' '' records delete 65534 --write
+dd if=/dev/zero of=/var/cfg/.eeprom conv=notrunc bs=4 seek=1043 count=2 status=none # what a longer image left behind
+unchanged
+printf '\377' | dd of=/var/cfg/.eeprom conv=notrunc bs=1 seek=4120 status=none
+cp /var/cfg/.eeprom /var/before
+expect 1 $'<records>\n*<id>1</id>\n*</records>' 'devfacts: the store holds no whole image' records
+expect 1 '' 'devfacts: the stored image is damaged; only import replaces it' records set 1 00 --write
+unchanged
+expect 1 '' $'*devfacts: "/var/before" holds no whole image*' records import /var/before --write
+expect 0 '' '' records import /var/image --write
+expect 0 '0168' '' records get 15
 "${tool[@]}" net >/dev/full 2>/dev/null && { echo "a full disk goes unnoticed"; failed=1; }
 exit $failed

@@ -24,6 +24,7 @@ exit_status wireless(char **arguments);
 exit_status peers(char **arguments);
 exit_status radio(char **arguments);
 exit_status ethernet(char **arguments);
+exit_status records(char **arguments);
 exit_status listen(char **arguments);
 exit_status send(char **arguments);
 exit_status translate(char **arguments);

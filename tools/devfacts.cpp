@@ -17,6 +17,8 @@ constexpr command commands[] = {
     {"ethernet", "NAME", "what a wired link is doing", 1, 1, ethernet},
     {"product", "[KEY]", "the product's identity and capabilities, or one value of its description", 0, 1, product},
     {"config", "KEY", "one value of the system configuration", 1, 1, config},
+    {"records", "[ACTION...]",
+     "the factory records, or one: get ID; with --write behind: set ID HEX, delete ID, import FILE", 0, 4, records},
     {"listen", "PATH", "each message that arrives at a socket, which it makes, until interrupted", 1, 1, listen},
     {"send", "PATH TEXT", "sends a message to a socket", 2, 2, send},
     {"translate", "DIRECTORY CATALOGUE ID", "a text in the language of the device", 3, 3, translate},

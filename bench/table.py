@@ -23,9 +23,12 @@ FAMILIES = {
     "drain": {"1": "send and drain 1 message", "10": "send and drain 10 messages"},
     "translate": {"1": "translate by the first of 2,000 entries", "1000": "translate by the 1,000th",
                   "2000": "translate by the last"},
+    "load": {"0": "search an empty store", "35": "load 35 records"},
+    "save": {"35": "save 35 records"},
 }
 GOALS = {"scan/limit/20": 1.1, "scan/limit/35000": 1.7, "send/limit/100": 1.65, "send/select/100": 1.05,
-         "translate/limit/1": 1.1, "translate/limit/1000": 1.1, "translate/limit/2000": 1.1}
+         "translate/limit/1": 1.1, "translate/limit/1000": 1.1, "translate/limit/2000": 1.1,
+         "load/limit/0": 3.0, "load/limit/35": 2.8, "save/mmap/35": 1.5}
 
 
 def rounds_of(folder, name):

@@ -3,26 +3,32 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace devfacts {
 
 template <class T>
 class big_endian {
  public:
-  constexpr big_endian() = default;
+  big_endian() = default;
   constexpr big_endian(T value) {
     for (std::size_t i = sizeof value; i-- > 0; value = static_cast<T>(value >> 8)) {
       bytes_[i] = static_cast<uint8_t>(value);
     }
   }
-  constexpr operator T() const {
+
+  constexpr T value() const {
     T value = 0;
     for (const uint8_t byte : bytes_) value = static_cast<T>(value << 8 | byte);
     return value;
   }
 
+  friend bool operator==(const big_endian &one, const big_endian &other) {
+    return std::memcmp(one.bytes_, other.bytes_, sizeof(T)) == 0;
+  }
+
  private:
-  uint8_t bytes_[sizeof(T)] = {};
+  uint8_t bytes_[sizeof(T)];
 };
 
 }  // namespace devfacts

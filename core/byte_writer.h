@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <span>
 #include <type_traits>
 
@@ -23,11 +24,12 @@ class byte_writer {
   void write(const void *bytes, std::size_t count) {
     const auto *from = static_cast<const std::byte *>(bytes);
     const auto piece = rest_.first(std::min(count, rest_.size()));
+    rest_ = rest_.subspan(piece.size());
+    if (std::memcmp(piece.data(), from, piece.size()) == 0) return;
     for (std::byte &to : piece) {
       if (to != *from) to = *from;
       ++from;
     }
-    rest_ = rest_.subspan(piece.size());
   }
 
  private:

@@ -74,19 +74,25 @@ int open_block_device(const char *device) {
   return open(path, O_RDWR);
 }
 
+// Are there blocks of the file system behind all these bytes? Where it does not know its holes, the number of blocks
+// says whether there can be any.
+bool is_allocated(int fd, const struct stat &file, off_t offset, off_t count) {
+  return file.st_blocks * 512 >= count && lseek(fd, offset, SEEK_HOLE) >= offset + count;
+}
+
 // Only a definite lack of room refuses: where none can be reserved there may yet be enough.
-bool reserve(int fd, off_t offset, size_t count) {
+bool reserve(int fd, off_t offset, off_t count) {
   int error = 0;
   do {
-    error = posix_fallocate(fd, offset, static_cast<off_t>(count));
+    error = posix_fallocate(fd, offset, count);
   } while (error == EINTR);
   return error != ENOSPC && error != EDQUOT;
 }
 
 // The whole pages are read, as a mapping does.
-bool is_readable(int fd, off_t offset, size_t count) {
+bool is_readable(int fd, off_t offset, off_t count) {
   char page[4096];
-  for (const off_t end = offset + static_cast<off_t>(count); offset < end; offset += sizeof page) {
+  for (const off_t end = offset + count; offset < end; offset += sizeof page) {
     const auto wanted = std::min<off_t>(sizeof page, end - offset);
     if (pread(fd, page, sizeof page, offset) < wanted) return false;
   }
@@ -114,9 +120,10 @@ unique_fd devfacts::open_store() {
   return device ? std::move(device) : eeprom_fallback_open();
 }
 
-bool devfacts::has_room(int fd, off_t offset, size_t count) {
+bool devfacts::has_room(int fd, off_t offset, off_t count) {
   struct stat status;
-  if (fstat(fd, &status) < 0 || lseek(fd, 0, SEEK_END) < offset + static_cast<off_t>(count)) return false;
-  if (S_ISREG(status.st_mode) && !reserve(fd, offset, count)) return false;
+  if (fstat(fd, &status) < 0 || lseek(fd, 0, SEEK_END) < offset + count) return false;
+  const bool is_sparse = S_ISREG(status.st_mode) && !is_allocated(fd, status, offset, count);
+  if (is_sparse && !reserve(fd, offset, count)) return false;
   return is_readable(fd, offset, count);
 }

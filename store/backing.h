@@ -3,8 +3,6 @@
 
 #include <sys/types.h>
 
-#include <cstddef>
-
 #include "core/owner.h"
 
 namespace devfacts {
@@ -15,6 +13,6 @@ unique_fd open_store();
 // Can a mapping of these bytes of the store be read and written? Behind its end, in a part that cannot be read, or
 // where a file system has no room left, a mapping would end the process. Makes sure of the room that a file has only
 // promised.
-bool has_room(int fd, off_t offset, size_t count);
+bool has_room(int fd, off_t offset, off_t count);
 
 }  // namespace devfacts

@@ -18,23 +18,22 @@ namespace {
 
 constexpr uint32_t initial_capacity = 35;
 constexpr off_t image_offset = 4096;
-constexpr size_t block_size = 4096;
-static_assert(block_size % image_step == 0);
+constexpr size_t step = sizeof(image_header);
+constexpr size_t block_steps = 1024;
 
 bool load_at(int fd, off_t offset) { return lseek(fd, offset, SEEK_SET) == offset && eeprom_load_image(fd) == 0; }
 
 // Loads the image at the lowest offset at which one loads. The store is over where a read of a single step fails; a
 // block that comes short may hold steps yet, which are then read one at a time.
 bool find_image(int fd) {
-  std::byte block[block_size];
-  size_t wanted = image_step;
+  image_header block[block_steps];
+  size_t wanted = step;
   for (off_t offset = 0;;) {
     const ssize_t count = pread(fd, block, wanted, offset);
-    if (count < static_cast<ssize_t>(image_step) && wanted == image_step) return false;
-    std::span<const std::byte> rest(block, count > 0 ? static_cast<size_t>(count) : 0);
-    wanted = rest.size() == wanted ? block_size : image_step;
-    for (; rest.size() >= image_step; rest = rest.subspan(image_step), offset += image_step) {
-      if (is_candidate(rest.first<image_step>()) && load_at(fd, offset)) return true;
+    if (count < static_cast<ssize_t>(step) && wanted == step) return false;
+    wanted = count == static_cast<ssize_t>(wanted) ? sizeof block : step;
+    for (ssize_t i = 0; i < count / static_cast<ssize_t>(step); ++i, offset += step) {
+      if (is_candidate(block[i]) && load_at(fd, offset)) return true;
     }
   }
 }
@@ -63,7 +62,7 @@ void eeprom_write() {
   const size_t size = eeprom_image_size();
   if (size < shortest_image || size > longest_image) return;
   unique_fd store = open_store();
-  if (!store || !has_room(store.get(), image_offset, size)) return;
+  if (!store || !has_room(store.get(), image_offset, static_cast<off_t>(size))) return;
   void *mapping = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, store.get(), image_offset);
   store.reset();
   if (mapping == MAP_FAILED) return;

@@ -12,17 +12,7 @@ using namespace devfacts;
 
 namespace {
 
-constexpr uint32_t image_magic = 0x57584545;  // "WXEE"
 constexpr uint32_t longest_loaded = 65536;
-
-struct image_header {
-  big_endian<uint32_t> magic;
-  big_endian<uint32_t> total_length;  // header, records and their padding
-  big_endian<uint16_t> fixed_one;     // not looked at
-  big_endian<uint16_t> fixed_zero;    // not looked at
-  big_endian<uint32_t> must_be_zero;
-};
-static_assert(sizeof(image_header) == image_step && alignof(image_header) == 1);
 
 struct record_head {
   big_endian<uint16_t> length;  // head and payload, without the padding
@@ -34,10 +24,10 @@ bool load_records(byte_reader image) {
   while (image.left() >= sizeof(record_head)) {
     const size_t remaining = image.left();
     const auto head = image.read<record_head>();
-    const uint32_t length = head.length;
+    const uint32_t length = head.length.value();
     if (length < sizeof head || length > remaining) return false;
     const auto payload = image.take(length - sizeof head);
-    if (eeprom_update(head.id, payload.data(), static_cast<uint32_t>(payload.size())) != 0) return false;
+    if (eeprom_update(head.id.value(), payload.data(), static_cast<uint32_t>(payload.size())) != 0) return false;
     if (padded_size(length) > remaining) return false;
     image.take(padded_size(length) - length);
   }
@@ -48,15 +38,10 @@ bool read_exactly(int fd, void *bytes, size_t count) { return read(fd, bytes, co
 
 }  // namespace
 
-bool devfacts::is_candidate(std::span<const std::byte, image_step> bytes) {
-  const auto header = byte_reader(bytes.data(), bytes.size()).read<image_header>();
-  return header.magic == image_magic && header.total_length >= shortest_image && header.total_length <= longest_image;
-}
-
 int devfacts::eeprom_load_image(int fd) {
   image_header header;
   if (!read_exactly(fd, &header, sizeof header) || header.magic != image_magic) return -1;
-  const uint32_t total_length = header.total_length;
+  const uint32_t total_length = header.total_length.value();
   if (total_length > longest_loaded) return -1;
   if (lseek(fd, -static_cast<off_t>(sizeof header), SEEK_CUR) < 0) return -1;
   // On the stack, though its size is known at run time only: gone on every way out, and no memory to run out of.
@@ -64,7 +49,7 @@ int devfacts::eeprom_load_image(int fd) {
   void *buffer = alloca(total_length);
   if (!read_exactly(fd, buffer, total_length)) return -1;
   byte_reader image(buffer, total_length);
-  if (image.read<image_header>().must_be_zero != 0 || total_length < sizeof header) return -1;
+  if (image.read<image_header>().must_be_zero != 0U || total_length < sizeof header) return -1;
   return load_records(image) ? 0 : -1;
 }
 

@@ -2,18 +2,33 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
+
+#include "core/big_endian.h"
 
 namespace devfacts {
 
-// What an image can start at: every multiple of this.
-inline constexpr std::size_t image_step = 16;
-// More than a scan considers is not written either.
-inline constexpr std::size_t longest_image = 65535;
-inline constexpr std::size_t shortest_image = 17;
+inline constexpr big_endian<uint32_t> image_magic = 0x57584545;  // "WXEE"
 
-// Are these bytes the header of an image of a length that a scan considers?
-bool is_candidate(std::span<const std::byte, image_step> bytes);
+// What a search considers; nothing else is written.
+inline constexpr uint32_t shortest_image = 17;
+inline constexpr uint32_t longest_image = 65535;
+
+struct image_header {
+  big_endian<uint32_t> magic;
+  big_endian<uint32_t> total_length;  // header, records and their padding
+  big_endian<uint16_t> fixed_one;     // not looked at
+  big_endian<uint16_t> fixed_zero;    // not looked at
+  big_endian<uint32_t> must_be_zero;  // not looked at by a search
+};
+static_assert(sizeof(image_header) == 16 && alignof(image_header) == 1);
+
+inline bool is_candidate(const image_header &header) {
+  if (header.magic != image_magic) return false;
+  const uint32_t total_length = header.total_length.value();
+  return total_length >= shortest_image && total_length <= longest_image;
+}
 
 // Puts the records of the image at the descriptor's position into the table: 0 for all of a whole image; -1 otherwise,
 // and then those in front of the fault are in the table.

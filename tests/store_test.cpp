@@ -370,6 +370,7 @@ TEST(eeprom, each_call_that_fails_costs_what_the_row_says) {
       const bool is_init = row[0] == "init";
       write_file(path, with_image(image({{1, "old"}, {2, "b"}, {90, "c"}})) + "more");
       if (!is_init) init(), put(1, "new"), write_file(path, contents() + "more");
+      EXPECT_EQ(row[0] == "fill" ? truncate(path, 0) : 0, 0);
       chmod(path, 0600);
       fail(row[1].c_str(), std::stoi(row[2]), errors.at(row[3]));
       const int result = is_init ? init() : (eeprom_write(), 0);

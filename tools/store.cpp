@@ -171,7 +171,7 @@ exit_status remove(char **operands) {
 uint32_t claimed_length(const char *path) {
   big_endian<uint32_t> words[2];
   const unique_file file{std::fopen(path, "re")};
-  return file && std::fread(words, sizeof words, 1, file.get()) == 1 ? uint32_t{words[1]} : 0;
+  return file && std::fread(words, sizeof words, 1, file.get()) == 1 ? words[1].value() : 0;
 }
 
 exit_status import(char **operands) {

@@ -46,7 +46,7 @@ int init() { return eeprom_free(), eeprom_init(); }
 
 std::string shown(const records &table) {
   std::string text;
-  for (const auto &[id, payload] : table) text += " " + std::to_string(id) + ":" + payload;
+  for (const auto &[id, payload] : table) text.append(" ").append(std::to_string(id)).append(":").append(payload);
   return text;
 }
 

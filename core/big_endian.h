@@ -10,6 +10,7 @@ namespace devfacts {
 template <class T>
 class big_endian {
  public:
+  // cppcheck-suppress uninitMemberVar  ; such records are filled from outside
   big_endian() = default;
   constexpr big_endian(T value) {
     for (std::size_t i = sizeof value; i-- > 0; value = static_cast<T>(value >> 8)) {

@@ -5,6 +5,7 @@
 #include <devfacts/i18n.h>
 #include <devfacts/net.h>
 #include <devfacts/product.h>
+#include <devfacts/store.h>
 #include <devfacts/transport.h>
 #include <devfacts/wireless.h>
 #include <unistd.h>
@@ -63,6 +64,8 @@ static constexpr struct {
        keyval_list list{};
        keyvalue("/proc/net/ra0/peers", nullptr, &list), keyval_destroy(&list);
      }},
+    {"records", [] { eeprom_init(), eeprom_delete(1), eeprom_write(), eeprom_free(); }},
+    {"partitions", [] { mtd_block_find("Factory"); }},
     {"receiver",
      [] {
        const std::string path = own_path();

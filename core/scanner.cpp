@@ -16,60 +16,33 @@ namespace {
 constexpr int line_size = 1024;
 
 // The first "=" or ":" of the line, or else its first blank; null where it has none of them.
-char *find_separator(char *line, char *end) {
-  const auto find = [=](char byte, const char *limit) {
-    return static_cast<char *>(std::memchr(line, byte, static_cast<size_t>(limit - line)));
-  };
-  char *equals = find('=', end);
-  char *colon = find(':', equals != nullptr ? equals : end);
-  if (colon != nullptr) return colon;
-  return equals != nullptr ? equals : find(' ', end);
+char *find_separator(char *line) {
+  char *blank = nullptr;
+  for (; *line != '\0'; ++line) {
+    if (*line == '=' || *line == ':') return line;
+    if (*line == ' ' && blank == nullptr) blank = line;
+  }
+  return blank;
 }
 
-// Gives the pairs of a stream one by one. They lie in its buffer and stay until the next.
-class line_scanner {
- public:
-  char *key = nullptr;
-  char *value = nullptr;
-
-  // cppcheck-suppress uninitMemberVar  ; the buffer is read after it is filled
-  line_scanner(FILE *stream, const char *prefix)
-      : stream_(stream), prefix_(prefix != nullptr ? prefix : ""), prefix_length_(std::strlen(prefix_)) {}
-
-  // False at the end, and at a line that cannot be split.
-  bool next() {
-    // The stream is this thread's alone, so it needs no lock for each line.
-    while (feof_unlocked(stream_) == 0 && fgets_unlocked(buffer_, line_size, stream_) != nullptr) {
-      key = triml_string(buffer_);
-      char *end = key + std::strlen(key);
-      cut_space(key, end);
-      if (*key != '\0' && has_prefix()) return split(end);
-    }
-    return false;
-  }
-
- private:
-  bool has_prefix() const { return prefix_length_ == 0 || std::strncmp(key, prefix_, prefix_length_) == 0; }
-
-  // The line stands at key and has no white space at its ends.
-  bool split(char *end) {
-    char *separator = find_separator(key, end);
-    if (separator == nullptr) return false;
-    *separator = '\0';
-    cut_space(key, separator);
-    value = triml_string(separator + 1);
-    return true;
-  }
-
-  FILE *stream_;
-  const char *prefix_;
-  size_t prefix_length_;
-  char buffer_[line_size];
-};
+// Ends the key, which begins the line, and gives the value; null where the line cannot be split.
+char *split(char *line) {
+  char *separator = find_separator(line);
+  if (separator == nullptr) return nullptr;
+  *separator = '\0';
+  cut_space(line, separator);
+  return triml_string(separator + 1);
+}
 
 void walk(FILE *stream, const char *prefix, iterate_callback callback, void *context) {
-  line_scanner lines(stream, prefix);
-  while (lines.next() && callback(context, lines.key, lines.value) == 0) {
+  const size_t prefix_length = prefix != nullptr ? std::strlen(prefix) : 0;
+  char buffer[line_size];
+  // The stream is this thread's alone, so it needs no lock for each line.
+  while (feof_unlocked(stream) == 0 && fgets_unlocked(buffer, line_size, stream) != nullptr) {
+    char *key = trimr_string(triml_string(buffer));
+    if (*key == '\0' || (prefix_length != 0 && std::strncmp(key, prefix, prefix_length) != 0)) continue;
+    char *value = split(key);
+    if (value == nullptr || callback(context, key, value) != 0) return;
   }
 }
 
@@ -95,6 +68,15 @@ bool append(keyval_list *list, const char *value) {
   if (row.value == nullptr) return false;
   std::memcpy(row.value, value, row.length);
   return true;
+}
+
+// Without memory the list becomes empty and the walk ends.
+int collect(void *context, char * /*key*/, char *value) {
+  auto *list = static_cast<keyval_list *>(context);
+  if (append(list, value)) return 0;
+  keyval_destroy(list);
+  list->rows = nullptr;
+  return 1;
 }
 
 }  // namespace
@@ -128,14 +110,7 @@ int __return_first_match_in_string(void *context, char * /*key*/, char *value) {
 void keyvalue(const char *path, const char *prefix, keyval_list *list) {
   if (list == nullptr) return;
   list->count = 0;
-  const unique_file file{std::fopen(path, "re")};
-  if (!file) return;
-  for (line_scanner lines(file.get(), prefix); lines.next();) {
-    if (append(list, lines.value)) continue;
-    keyval_destroy(list);
-    list->rows = nullptr;
-    return;
-  }
+  iterate(path, prefix, collect, list);
 }
 
 void keyval_destroy(keyval_list *list) {

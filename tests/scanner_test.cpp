@@ -41,6 +41,8 @@ TEST(scanner, a_stream_is_walked_from_its_start_and_left_where_the_walk_ended) {
     iterate_raw(stream, nullptr, nullptr, &count), iterate_raw(nullptr, nullptr, print_pair, &count);
     EXPECT_EQ(ftell(stream), 8);
     fclose(stream);
+    write_file("/f", "a=1");
+    iterate("/f", nullptr, nullptr, &count);
     for (const char *path : {"/missing", "/"}) iterate(path, nullptr, print_pair, &count);
   };
   on_device(walk, "[a/1][b/2]8||0");

@@ -164,7 +164,8 @@ DEVFACTS_API char *escape_xml(const char *src, char *dst);
  *
  * A prefix selects the lines that begin with it. It is compared with the line before the split, so it may reach beyond
  * the key; null and an empty one select all. A selected line that cannot be split (no "=", no ":", no blank) ends the
- * walk as the end of the file and a read error do. None of these functions prints or keeps anything between calls.
+ * walk as the end of the file and a read error do. None of these functions prints or keeps anything between calls, so
+ * several threads may walk at once, each its own file or stream: a stream's lock is not taken.
  */
 
 /**

@@ -2,8 +2,8 @@
  * devfacts/wireless.h - what a wireless interface is doing: one status record, filled from the Wireless Extensions
  * ioctls, the driver's files under /proc and the product description; and the table of its peers.
  *
- * Nothing here prints, logs or sets errno on purpose. The control socket of ioctl_socket() and the radio limits are
- * process-wide and without a lock: use one thread at a time.
+ * Nothing here prints, logs or sets errno on purpose. The control socket of ioctl_socket(), the radio limits and the
+ * product description that they are read from are process-wide and without a lock: use one thread at a time.
  */
 #ifndef DEVFACTS_WIRELESS_H
 #define DEVFACTS_WIRELESS_H
@@ -272,10 +272,10 @@ DEVFACTS_API int iw_link_established(void);
 /**
  * Tells what the product description says about a radio: the first one whose radio.N.master is the interface.
  *
- * The process's first call reads the description and settles the answer for good: later calls copy that, for any
- * interface, and look at no file. Without a description, and where no radio has that master, the four numbers are not
- * present and the two texts "OFDM" and "5GHz"; so is a text that there was no memory to keep. Texts stay good as long
- * as the process lives, even after prod_spec_close().
+ * The process's first call opens the description, as prod_spec_open() does and with all that is said there, and settles
+ * the answer for good: later calls copy that, for any interface, and look at no file. Without a description, and where
+ * no radio has that master, the four numbers are not present and the two texts "OFDM" and "5GHz"; so is a text that
+ * there was no memory to keep. Texts stay good as long as the process lives, even after prod_spec_close().
  *
  * @param limits the caller's record.
  * @param name the interface. A name of more than 16 characters is no radio's master.
@@ -284,6 +284,8 @@ DEVFACTS_API int iw_link_established(void);
 DEVFACTS_API int iw_radio_limits(iw_radio_limits_t *limits, const char *name);
 
 /**
+ * Tells the country that the product description names; it is opened where it is not open, as prod_spec_open() does.
+ *
  * @return the text of product.countrycode in the product description, good until prod_spec_close() and not to be freed;
  * null where there is none.
  */

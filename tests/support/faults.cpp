@@ -51,16 +51,13 @@ void *test_calloc(size_t count, size_t size) {
 
 void *test_realloc(void *block, size_t size) { return strikes("realloc") ? nullptr : resized(block, size); }
 
-char *test_strdup(const char *text) {
-  void *made = resized(nullptr, std::strlen(text) + 1);
-  return static_cast<char *>(made == nullptr ? nullptr : std::strcpy(static_cast<char *>(made), text));
-}
-
 char *test_strndup(const char *text, size_t most) {
   const size_t length = strnlen(text, most);
   void *made = test_calloc(length + 1, 1);
   return static_cast<char *>(made == nullptr ? nullptr : std::memcpy(made, text, length));
 }
+
+char *test_strdup(const char *text) { return test_strndup(text, std::strlen(text)); }
 
 void test_free(void *block) {
   live -= block != nullptr;
@@ -114,6 +111,7 @@ void *test_mmap64(void *place, size_t size, int protection, int flags, int fd, o
   if (mapped && made != MAP_FAILED) mapped(made, size);
   return made;
 }
+FAULTY(long, syscall, (long number, int fd, void *bytes, size_t size), number, fd, bytes, size)
 
 int test_getsockname(int fd, sockaddr *address, socklen_t *size) {
   if (!strikes("getsockname")) return getsockname(fd, address, size);
@@ -137,10 +135,6 @@ int test_ioctl(int fd, unsigned long number, void *record) {
 }
 
 int test_open64(const char *path, int flags, mode_t mode) { return strikes("open") ? -1 : open(path, flags, mode); }
-
-long test_syscall(long number, int fd, void *bytes, size_t size) {
-  return strikes("syscall") ? -1 : syscall(number, fd, bytes, size);
-}
 }
 
 void test::fail(const char *call, int nth, int error) { armed = {call, nth, error, 0}; }

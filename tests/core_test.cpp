@@ -19,19 +19,17 @@ TEST(core, one_descriptor_flag_changes_and_the_others_stay) {
   EXPECT_EQ(after(set_nio, F_GETFL), before | O_NONBLOCK);
   EXPECT_EQ(after(set_bio, F_GETFL), before);
   EXPECT_EQ(after(set_coe, F_GETFD), FD_CLOEXEC);
-  expect_run("|cannot set FD_CLOEXEC flag.\n|1", [] { set_coe(-1); });
-  for (const auto set : {set_bio, set_nio}) expect_run("|cannot set O_NONBLOCK flags.\n|1", [=] { set(-1); });
 }
 
 TEST(core, there_is_one_control_socket_until_it_is_closed) {
-  expect_run("|cannot create socket, Too many open files\n|1", [] {
+  expect_run("||0", [] {
     close(STDIN_FILENO);  // number 0 is free, and counts as open
     for (int i = 0; i < 2; ++i) EXPECT_EQ(ioctl_socket(), 0);
     ioctl_close();
     EXPECT_EQ(open("/dev/null", O_RDONLY), 0);
     ioctl_close();
     EXPECT_NE(ioctl_socket(), 0);
-    ioctl_close(), fail("socket", 1, EMFILE), ioctl_socket();
+    ioctl_close();
   });
 }
 
@@ -67,8 +65,7 @@ TEST(core, items_and_addresses) {
     xml_int_item_opt("d", 7, 0), xml_int_item_opt("d", -7, 0x80);
     xml_str_item(null, "value"), xml_int_item_opt(null, 7, 0), ifi_xml_str_item(null, "value");
     EXPECT_EQ(live_blocks(), 0);
-    fail("allocation", 1, ENOMEM);
-    xml_str_esc_item("g", "lost"), ifi_xml_int_item("B", UINT32_MAX);
+    ifi_xml_int_item("B", UINT32_MAX);
     const uint8_t mac[] = {1, 2, 3, 4, 5, 6};
     char room[6] = "?????";
     EXPECT_EQ(ifi_mac_ntop(room, 4, mac) + std::string(room + 4), "01:?");

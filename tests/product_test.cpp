@@ -186,30 +186,3 @@ TEST(capabilities, what_is_absent_is_all_zero) {
     EXPECT_EQ(shown(&product_caps, sizeof product_caps), std::string(sizeof product_caps, '.'));
   });
 }
-
-// What is left of an object whose n-th call failed while it was read: its rows, each by the last letter of its element,
-// the names of absent fields, and the blocks that it keeps.
-std::string left_after_failure(const char *call, int nth) {
-  const std::string document = run_on_device([=, file = data("product")] {
-    write_file("/etc/product", file);
-    fail(call, nth, ENOMEM);
-    EXPECT_TRUE(product_caps_get() != nullptr || live_blocks() == 0);
-    const bool failed = calls_seen() >= nth;
-    fail("", 0, 0);
-    print_document();
-    EXPECT_EQ(product_caps.id.present, product_caps.id.value != nullptr);
-    prod_spec_close();
-    std::printf("%ld%s", live_blocks(), failed ? "" : ", no failure");
-  });
-  const std::regex left("\n <capabilities>|\n <[a-z_]*([a-z])>|  <([a-z_]+>)N/A|</product>\n([^]*)|[^]");
-  return std::regex_replace(document.substr(document.find("\n <capabilities>")), left, "$1$2$3") + "\n";
-}
-
-TEST(capabilities, each_failing_call_costs_its_own_part_and_leaks_nothing) {
-  std::string left = left_after_failure("cfg_get_value", 1);
-  for (const char *call : {"realloc", "allocation"}) {
-    std::string last;
-    for (int nth = 1; last.find("no failure") == last.npos; ++nth) left += last = left_after_failure(call, nth);
-  }
-  EXPECT_EQ(left, data("product.failures"));
-}

@@ -358,34 +358,6 @@ TEST(eeprom, stores_that_are_in_the_way_or_full_are_left_alone) {
   }
 }
 
-// Each row: what is done, the call that fails, its number and error; the result, the table, the file and its image, the
-// slots; the words.
-TEST(eeprom, each_call_that_fails_costs_what_the_row_says) {
-  for (const auto &row : rows("store.faults")) {
-    const auto body = [&] {
-      const bool is_init = row[0] == "init";
-      write_file(path, with_image(image({{1, "old"}, {2, "b"}, {90, "c"}})) + "more");
-      if (!is_init) init(), put(1, "new"), write_file(path, contents() + "more");
-      EXPECT_EQ(row[0] == "fill" ? truncate(path, 0) : 0, 0);
-      chmod(path, 0600);
-      int error = 0;
-      for (const char *name = nullptr; name == nullptr || row[3] != name;) name = strerrorname_np(++error);
-      fail(row[1].c_str(), std::stoi(row[2]), error);
-      const int result = is_init ? init() : (eeprom_write(), 0);
-      EXPECT_GE(calls_seen(), std::stoi(row[2])) << row[1];
-      fail("", 0, 0);
-      const std::string file = contents();
-      struct stat status;
-      stat(path, &status);
-      std::printf("%d%s; %zu %o %s; %u", result, shown(table()).c_str(), file.size(), status.st_mode & 0777,
-                  file.find("new") < whole ? "new" : "old", devfacts::eeprom_table.capacity);
-      eeprom_free();
-      EXPECT_EQ(live_blocks(), 0);
-    };
-    on_device(body, row[4] + "|" + row[5] + "|0");
-  }
-}
-
 // Each row: what it is; the name; the number of the device; the list.
 TEST(eeprom, partitions_are_found_by_name) {
   auto lists = rows("partitions");

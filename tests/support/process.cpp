@@ -1,3 +1,5 @@
+#include <sys/resource.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,26 +32,47 @@ std::string test::run(const std::function<void()> &body) {
   waitpid(child, &status, 0);
   std::rewind(out), std::rewind(err);
   status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  return rest_of(out) + "|" + rest_of(err) + "|" + std::to_string(status);
+  const std::string text = rest_of(out) + "|" + rest_of(err) + "|" + std::to_string(status);
+  std::fclose(out), std::fclose(err);
+  return text;
 }
 
 void test::expect_run(const std::string &end, const std::function<void()> &body) { EXPECT_EQ(run(body), end); }
 
-// The end is a hard one: the leak checker would look for /proc. Blocks of the library are counted in the cases.
+void test::leave() {
+  std::fflush(nullptr);
+  _exit(testing::Test::HasFailure() ? 99 : 0);
+}
+
 std::string test::run_on_device(const std::function<void()> &body) {
   char root[] = "/tmp/devfacts-XXXXXX";
   mkdtemp(root);
   const std::string end = run([&] {
     ASSERT_EQ(chroot(root) + chdir("/"), 0);
     body();
-    std::fflush(nullptr);
-    _exit(testing::Test::HasFailure() ? 99 : 0);
+    leave();
   });
   std::filesystem::remove_all(root);
   return end;
 }
 
 void test::on_device(const std::function<void()> &body, const std::string &end) { EXPECT_EQ(run_on_device(body), end); }
+
+void test::interrupt_every(int microseconds) {
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  sigaction(SIGALRM, &action, nullptr);
+  const itimerval timer{{0, microseconds}, {0, microseconds}};
+  setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+void test::use_up_descriptors() {
+  const rlimit limit{2000, 2000};
+  setrlimit(RLIMIT_NOFILE, &limit);
+  const int first = dup(0);
+  while (dup(0) < FD_SETSIZE) continue;
+  close(first);
+}
 
 void test::write_file(const std::string &path, const std::string &text) {
   std::filesystem::remove_all(path);

@@ -21,9 +21,18 @@ namespace test {
 std::string run(const std::function<void()> &body);
 void expect_run(const std::string &end, const std::function<void()> &body);
 
+// Ends a body at once: without /proc the leak checker could not look. Blocks of the library are counted in the cases.
+[[noreturn]] void leave();
+
 // The same on a device of its own, the root changed to a folder that holds just what the body writes there.
 std::string run_on_device(const std::function<void()> &body);
 void on_device(const std::function<void()> &body, const std::string &end = "||0");
+
+// A timer interrupts every call that waits, again and again.
+void interrupt_every(int microseconds);
+
+// Leaves one number free that a set of descriptors has room for.
+void use_up_descriptors();
 
 // Puts a file in the place of whatever stood there; folders on the way are made.
 void write_file(const std::string &path, const std::string &text);
@@ -43,14 +52,14 @@ std::string shown(const void *bytes, size_t count);
 inline constexpr bool big_endian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
 inline const bool emulated = big_endian && std::getenv("BOARD") == nullptr;
 
-// In the copy of the library that the tests link, the n-th call (from 1) of that name from now on fails with this
-// errno; "allocation" stands for malloc and its kin, "realloc" for that alone. An error of 0 makes the call give 0:
-// select a limit passed, send a count too short, getsockname no address.
-void fail(const char *call, int nth, int error);
+// In the copy of the library that the tests link, the n-th of these calls (from 1) from now on fails with this errno:
+// of all calls, or of those whose names are in the text, where "allocation" stands for malloc and its kin. An error of
+// 0 makes the call give 0: select a limit passed, send a count too short, getsockname no address.
+void fail(const std::string &calls, int nth, int error);
 
-// Is this call of that name the one that fails? How many of that name were there since fail()?
+// Is this call of that name the one that fails? The names of all that could have been, since fail().
 bool strikes(const char *call);
-int calls_seen();
+std::string calls_seen();
 
 // Blocks that the library has allocated and not freed, and the size of the newest one.
 long live_blocks();
@@ -100,6 +109,17 @@ inline std::string link(int index, uint32_t flags, const std::string &attributes
 inline std::string address(uint32_t index, uint8_t family, const std::string &attributes) {
   return message(RTM_NEWADDR, bytes_of(ifaddrmsg{family, 24, 0, 0, index}) + attributes);
 }
+
+// Each word the same in either order of bytes.
+inline const std::string counters =
+    "AAAABBBBCCCCDDDDEEEEFFFFGGGGHHHHIIIIJJJJKKKKLLLLMMMMNNNNOOOOPPPPQQQQRRRRSSSSTTTTUUUUVVVVWWWW";
+
+// Interface 7 with all that a link message can have.
+inline const std::string full_link =
+    link(7, 1,
+         attribute(IFLA_IFNAME, std::string("ra<0\0", 5)) + attribute(IFLA_LINK, bytes_of(7)) +
+             attribute(IFLA_ADDRESS, "\x02\xfc\x01\xab") + attribute(IFLA_BROADCAST, "12345678") +
+             attribute(IFLA_TXQLEN, bytes_of(1000)) + attribute(IFLA_STATS, counters));
 
 inline std::string done() { return message(NLMSG_DONE, ""); }
 

@@ -118,7 +118,13 @@ uint32_t parse_bytes(char *text) {
 }
 
 // A damaged image is not written over with what could be read of it.
-bool load_to_change() { return eeprom_init() == 0 || size_of_image() == 16; }
+// Nor is one that could not be read taken for an empty one at once: a fault that passes must not cost the other
+// records.
+bool load_to_change() {
+  if (eeprom_init() == 0) return true;
+  eeprom_free();
+  return eeprom_init() == 0 || size_of_image() == 16;
+}
 
 exit_status refuse_damaged() { return fail("the stored image is damaged; only import replaces it"); }
 

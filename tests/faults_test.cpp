@@ -155,12 +155,16 @@ static int open_descriptors() {
   return count;
 }
 
+constexpr int most_shown = 5;
+
 static std::string lines_not_in(const std::string &other, const std::string &text, char mark) {
   std::istringstream lines(text);
   std::string found;
+  int count = 0;
   for (std::string line; std::getline(lines, line);)
-    if (("\n" + other + "\n").find("\n" + line + "\n") == other.npos) found += mark + line + "\n";
-  return found;
+    if (("\n" + other + "\n").find("\n" + line + "\n") == other.npos && ++count <= most_shown)
+      found += mark + line + "\n";
+  return count > most_shown ? found + mark + " and " + std::to_string(count - most_shown) + " more\n" : found;
 }
 
 const struct {
@@ -193,17 +197,24 @@ TEST(faults, each_costs_what_it_must) {
       leave();
     });
   };
+  const auto shown_as = [](int error, const std::string &faults, const std::string &cost) {
+    return std::string("-- ") + strerrorname_np(error) + ":" + faults + "\n" + cost;
+  };
+  const auto difference = [](const std::string &end, const std::string &whole) {
+    const bool is_whole = end.find("descriptors remain") != end.npos;
+    return is_whole ? lines_not_in(end, whole, '-') + lines_not_in(whole, end, '+') : end + "\n";
+  };
   const auto sweep = [&](const auto &operation, const auto &fault) {
     const std::string whole = outcome(operation, fault.calls, 0, fault.error);
     if (fault.error == ENOMEM) say("==", operation.name), say(whole);
     std::ifstream calls("/calls");
-    std::string name;
+    std::string name, faults, last;
     for (int nth = 1; calls >> name; ++nth) {
-      const std::string end = outcome(operation, fault.calls, nth, fault.error);
-      const bool is_whole = end.find("descriptors remain") != end.npos;
-      say("--", strerrorname_np(fault.error), nth, name);
-      std::cout << (is_whole ? lines_not_in(end, whole, '-') + lines_not_in(whole, end, '+') : end + "\n");
+      const std::string cost = difference(outcome(operation, fault.calls, nth, fault.error), whole);
+      if (nth > 1 && cost != last) std::cout << shown_as(fault.error, faults, last), faults.clear();
+      faults += " " + std::to_string(nth) + "." + name, last = cost;
     }
+    if (!faults.empty()) std::cout << shown_as(fault.error, faults, last);
   };
   const auto body = [&, peers = data("peers"), po = data("catalogue.po")] {
     write_file("/proc/mtd", "dev:\nmtd0: 0 0 \"Factory\"\n"), write_file("/f", "a=1\nb=2\n"),

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 
 #include "test.h"
 
@@ -19,7 +20,7 @@ static struct {
   long left = 0;
 } armed;
 
-static long live = 0;
+static std::set<void *> live;
 static size_t newest = 0;
 static std::vector<std::string> canned;
 static std::function<int(unsigned long, void *)> driver;
@@ -31,7 +32,7 @@ static struct {
 
 static void *resized(void *block, size_t size) {
   void *made = test::strikes("allocation") ? nullptr : realloc(block, size);
-  live += made != nullptr && block == nullptr;
+  if (made != nullptr) live.erase(block), live.insert(made);
   newest = size;
   return made;
 }
@@ -66,7 +67,7 @@ char *test_strndup(const char *text, size_t most) {
 char *test_strdup(const char *text) { return test_strndup(text, std::strlen(text)); }
 
 void test_free(void *block) {
-  live -= block != nullptr;
+  live.erase(block);
   free(block);
 }
 
@@ -166,7 +167,7 @@ bool test::strikes(const char *call) {
 
 std::string test::calls_seen() { return armed.seen; }
 
-long test::live_blocks() { return live; }
+long test::live_blocks() { return static_cast<long>(live.size()); }
 
 size_t test::newest_size() { return newest; }
 

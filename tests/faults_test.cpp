@@ -10,6 +10,8 @@
 #include <linux/ethtool.h>
 #include <linux/sockios.h>
 #include <linux/wireless.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -181,7 +183,6 @@ const struct {
 // What each operation does, and what is different, or all there is, with each fault.
 TEST(faults, each_costs_what_it_must) {
   radios = data("radios");
-  std::string seen;
   const auto outcome = [product = shell("grep -v 'limits.13\\|radio.13.f\\|led.*13' product")](
                            const auto &operation, const char *calls, int nth, int error) {
     return run([&] {
@@ -197,8 +198,8 @@ TEST(faults, each_costs_what_it_must) {
       leave();
     });
   };
-  const auto shown_as = [](int error, const std::string &faults, const std::string &cost) {
-    return std::string("-- ") + strerrorname_np(error) + ":" + faults + "\n" + cost;
+  const auto tell = [](int error, const std::string &faults, const std::string &cost) {
+    std::cout << "-- " << strerrorname_np(error) << ":" << faults << "\n" << cost;
   };
   const auto difference = [](const std::string &end, const std::string &whole) {
     const bool is_whole = end.find("descriptors remain") != end.npos;
@@ -211,12 +212,14 @@ TEST(faults, each_costs_what_it_must) {
     std::string name, faults, last;
     for (int nth = 1; calls >> name; ++nth) {
       const std::string cost = difference(outcome(operation, fault.calls, nth, fault.error), whole);
-      if (nth > 1 && cost != last) std::cout << shown_as(fault.error, faults, last), faults.clear();
-      faults += " " + std::to_string(nth) + "." + name, last = cost;
+      if (nth > 1 && cost != last) tell(fault.error, faults, last), faults.clear();
+      faults.append(" ").append(std::to_string(nth)).append(".").append(name), last = cost;
     }
-    if (!faults.empty()) std::cout << shown_as(fault.error, faults, last);
+    if (!faults.empty()) tell(fault.error, faults, last);
   };
   const auto body = [&, peers = data("peers"), po = data("catalogue.po")] {
+    mkdir("/var", 0755), mkdir("/var/cfg", 0755);
+    mount("", "/var/cfg", "tmpfs", 0, "");  // holes and blocks the same everywhere
     write_file("/proc/mtd", "dev:\nmtd0: 0 0 \"Factory\"\n"), write_file("/f", "a=1\nb=2\n"),
         write_file("/proc/net/ra0/peers", peers);
     write_file("/etc/lang", "de"), write_file("/po/de/c.po", po), write_file("/tmp/system.cfg", "a.b=c\n");
@@ -227,6 +230,7 @@ TEST(faults, each_costs_what_it_must) {
     drive(answer);
     for (const auto &operation : operations)
       for (const auto &fault : faults) sweep(operation, fault);
+    umount2("/var/cfg", MNT_DETACH);
   };
   on_device(body, data("faults") + "||0");
 }

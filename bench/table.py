@@ -16,7 +16,7 @@ COLLECTING = {
     "ifb": {"collect/limit": 1.2, "collect/libmnl": None, "collect/libnl": None, "collect/getifaddrs": None,
             "print/libxml2": None, "print/glib": None},
 }
-LINKED = {"veth": "with IFLA_LINK", "ifb": "without"}
+LINKED = {"veth": "with IFLA_LINK", "ifb": "without IFLA_LINK"}
 FAMILIES = {
     "scan": {"20": "walk 20 lines", "35000": "walk 1 MB of lines"},
     "send": {"100": "send a message of 100 bytes", "1500": "send a message of 1500 bytes"},

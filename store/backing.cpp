@@ -18,7 +18,7 @@ namespace {
 constexpr char partition[] = "Factory";
 constexpr char fallback_folder[] = "/var/cfg";
 constexpr char fallback_file[] = "/var/cfg/.eeprom";
-constexpr off_t fallback_size = 65536;
+constexpr uint32_t fallback_size = 65536;
 constexpr mode_t fallback_mode = 0644;
 
 bool is_folder(const char *path) {
@@ -26,6 +26,15 @@ bool is_folder(const char *path) {
   return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+// All zero where they can't be had. Whoever asks for a file's times as well makes the kernel write new ones at the next
+// change, however soon that comes.
+struct statx facts_of(int fd) {
+  struct statx facts {};
+  statx(fd, "", AT_EMPTY_PATH, STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_BLOCKS, &facts);
+  return facts;
+}
+
+// What the file is already is not written again, so that looking for records costs no write.
 unique_fd eeprom_fallback_open() {
   if (!is_folder(fallback_folder)) return {};
   unique_fd file{open(fallback_file, O_RDWR | O_CREAT | O_SYNC | O_CLOEXEC, fallback_mode)};
@@ -33,8 +42,9 @@ unique_fd eeprom_fallback_open() {
     std::perror("open() failed");
     return {};
   }
-  if (ftruncate(file.get(), fallback_size) < 0) std::perror("ftruncate() failed");
-  if (fchmod(file.get(), fallback_mode) < 0) std::perror("fchmod() failed");
+  const struct statx now = facts_of(file.get());
+  if (now.stx_size != fallback_size && ftruncate(file.get(), fallback_size) < 0) std::perror("ftruncate() failed");
+  if ((now.stx_mode & 07777) != fallback_mode && fchmod(file.get(), fallback_mode) < 0) std::perror("fchmod() failed");
   return file;
 }
 
@@ -76,8 +86,8 @@ int open_block_device(const char *device) {
 
 // Are there blocks of the file system behind all these bytes? Where it does not know its holes, the number of blocks
 // says whether there can be any.
-bool is_allocated(int fd, const struct stat &file, off_t offset, off_t count) {
-  return file.st_blocks * 512 >= count && lseek(fd, offset, SEEK_HOLE) >= offset + count;
+bool is_allocated(int fd, const struct statx &file, off_t offset, off_t count) {
+  return file.stx_blocks * 512 >= static_cast<uint64_t>(count) && lseek(fd, offset, SEEK_HOLE) >= offset + count;
 }
 
 // Only a definite lack of room refuses: where none can be reserved there may yet be enough.
@@ -121,9 +131,10 @@ unique_fd devfacts::open_store() {
 }
 
 bool devfacts::has_room(int fd, off_t offset, off_t count) {
-  struct stat status;
-  if (fstat(fd, &status) < 0 || lseek(fd, 0, SEEK_END) < offset + count) return false;
-  const bool is_sparse = S_ISREG(status.st_mode) && !is_allocated(fd, status, offset, count);
+  if (lseek(fd, 0, SEEK_END) < offset + count) return false;
+  const struct statx file = facts_of(fd);
+  const bool may_be_sparse = file.stx_mode == 0 || S_ISREG(file.stx_mode);
+  const bool is_sparse = may_be_sparse && !is_allocated(fd, file, offset, count);
   if (is_sparse && !reserve(fd, offset, count)) return false;
   return is_readable(fd, offset, count);
 }

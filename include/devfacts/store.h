@@ -86,9 +86,9 @@ DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
  *
  * The store is the flash partition "Factory", where the device has one (mtd_block_find()), or else the file
  * /var/cfg/.eeprom. The file is made where its folder exists, by reading, too; at each use it is sized to 65536 bytes
- * (which tells on its times, and ends a process whose RLIMIT_FSIZE is below that) and gets the mode 0644. Its failures
- * go to standard error: "open() failed", "ftruncate() failed", "fchmod() failed", each with the text of errno as
- * perror() writes it; only the first is the end of it.
+ * (which ends a process whose RLIMIT_FSIZE is below that) and gets the mode 0644, if it has not both already: its times
+ * then stay as they are until a byte of it changes. Failures go to standard error: "open() failed", "ftruncate()
+ * failed", "fchmod() failed", each with the text of errno as perror() writes it; only the first is the end of it.
  *
  * Power cuts. eeprom_write() writes over the one stored image in place, there is no second copy, and no checksum tells
  * a torn image from a whole one. After a power cut, or a process killed, while it writes, the store can hold any

@@ -100,6 +100,8 @@ FAULTY(int, munmap, (void *bytes, size_t size), bytes, size)
   result test_##call##64 parameters { return strikes(#call) ? -1 : call(__VA_ARGS__); }
 FAULTY64(off_t, lseek, (int fd, off_t offset, int from), fd, offset, from)
 FAULTY64(int, stat, (const char *path, struct stat *status), path, status)
+FAULTY(int, statx, (int at, const char *path, int flags, unsigned mask, struct statx *facts), at, path, flags, mask,
+       facts)
 FAULTY64(int, fstat, (int fd, struct stat *status), fd, status)
 FAULTY64(int, ftruncate, (int fd, off_t size), fd, size)
 

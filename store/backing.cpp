@@ -26,12 +26,23 @@ bool is_folder(const char *path) {
   return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// All zero where they can't be had. Whoever asks for a file's times as well makes the kernel write new ones at the next
-// change, however soon that comes.
-struct statx facts_of(int fd) {
-  struct statx facts {};
-  statx(fd, "", AT_EMPTY_PATH, STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_BLOCKS, &facts);
-  return facts;
+struct file_facts {
+  uint32_t mode;
+  uint64_t size, blocks;
+};
+
+// All zero where they can't be had. Asking for a file's times as well, as fstat does, makes the kernel write new ones
+// at the next change, however soon that comes.
+file_facts facts_of(int fd) {
+#ifdef STATX_TYPE
+  struct statx facts;
+  if (statx(fd, "", AT_EMPTY_PATH, STATX_TYPE | STATX_MODE | STATX_SIZE | STATX_BLOCKS, &facts) != 0) return {};
+  return {facts.stx_mode, facts.stx_size, facts.stx_blocks};
+#else
+  struct stat facts;
+  if (fstat(fd, &facts) != 0) return {};
+  return {facts.st_mode, static_cast<uint64_t>(facts.st_size), static_cast<uint64_t>(facts.st_blocks)};
+#endif
 }
 
 // What the file is already is not written again, so that looking for records costs no write.
@@ -42,9 +53,9 @@ unique_fd eeprom_fallback_open() {
     std::perror("open() failed");
     return {};
   }
-  const struct statx now = facts_of(file.get());
-  if (now.stx_size != fallback_size && ftruncate(file.get(), fallback_size) < 0) std::perror("ftruncate() failed");
-  if ((now.stx_mode & 07777) != fallback_mode && fchmod(file.get(), fallback_mode) < 0) std::perror("fchmod() failed");
+  const file_facts now = facts_of(file.get());
+  if (now.size != fallback_size && ftruncate(file.get(), fallback_size) < 0) std::perror("ftruncate() failed");
+  if ((now.mode & 07777) != fallback_mode && fchmod(file.get(), fallback_mode) < 0) std::perror("fchmod() failed");
   return file;
 }
 
@@ -86,8 +97,8 @@ int open_block_device(const char *device) {
 
 // Are there blocks of the file system behind all these bytes? Where it does not know its holes, the number of blocks
 // says whether there can be any.
-bool is_allocated(int fd, const struct statx &file, off_t offset, off_t count) {
-  return file.stx_blocks * 512 >= static_cast<uint64_t>(count) && lseek(fd, offset, SEEK_HOLE) >= offset + count;
+bool is_allocated(int fd, const file_facts &file, off_t offset, off_t count) {
+  return file.blocks * 512 >= static_cast<uint64_t>(count) && lseek(fd, offset, SEEK_HOLE) >= offset + count;
 }
 
 // Only a definite lack of room refuses: where none can be reserved there may yet be enough.
@@ -132,8 +143,8 @@ unique_fd devfacts::open_store() {
 
 bool devfacts::has_room(int fd, off_t offset, off_t count) {
   if (lseek(fd, 0, SEEK_END) < offset + count) return false;
-  const struct statx file = facts_of(fd);
-  const bool may_be_sparse = file.stx_mode == 0 || S_ISREG(file.stx_mode);
+  const file_facts file = facts_of(fd);
+  const bool may_be_sparse = file.mode == 0 || S_ISREG(file.mode);
   const bool is_sparse = may_be_sparse && !is_allocated(fd, file, offset, count);
   if (is_sparse && !reserve(fd, offset, count)) return false;
   return is_readable(fd, offset, count);

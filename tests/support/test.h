@@ -47,6 +47,15 @@ std::vector<std::vector<std::string>> rows(const std::string &name);
 // The bytes, each NUL as a dot; "-" for null.
 std::string shown(const void *bytes, size_t count);
 
+// Numbers in decimal, with a blank between them.
+template <class... Numbers>
+std::string listed(const Numbers &...numbers) {
+  std::string text;
+  ((text += std::to_string(numbers), text += ' '), ...);
+  text.pop_back();
+  return text;
+}
+
 // Big-endian is the device: a whole board, or the emulation of its user space. Under the latter the kernel's own link
 // messages come through with their last empty attribute unswapped, which the attribute walk rightly warns of.
 inline constexpr bool big_endian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;

@@ -1,7 +1,5 @@
 #include <devfacts/core.h>
 
-#include <sstream>
-
 #include "support/test.h"
 
 using namespace test;
@@ -53,9 +51,7 @@ TEST(scanner, first_matches_are_32_bits_wide) {
     first_match_u32 u32{}, i32{};
     EXPECT_EQ(__return_first_match_in_u32(&u32, nullptr, row[0].data()), 1);
     EXPECT_EQ(__return_first_match_in_i32(&i32, nullptr, row[0].data()), 1);
-    std::ostringstream seen;
-    seen << u32.value << " " << +u32.found << " " << static_cast<int32_t>(i32.value) << " " << +i32.found;
-    EXPECT_EQ(seen.str(), row[1]) << row[0];
+    EXPECT_EQ(listed(u32.value, u32.found, static_cast<int32_t>(i32.value), i32.found), row[1]) << row[0];
   }
 }
 

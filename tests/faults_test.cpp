@@ -18,6 +18,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <regex>
 #include <sstream>
 
 #include "support/test.h"
@@ -84,8 +85,8 @@ static void copy_texts() {
   const auto *bytes = reinterpret_cast<const rtattr *>(value.data());
   first_match_string slot{};
   __return_first_match_in_string(&slot, nullptr, value.data());
-  const void *copies[] = {nla_memdup(bytes), nla_strdup(bytes), escape_xml("<", nullptr), slot.value};
-  for (const void *each : copies) say(each != nullptr);
+  void *copies[] = {nla_memdup(bytes), nla_strdup(bytes), escape_xml("<", nullptr), slot.value};
+  for (void *each : copies) say(each != nullptr), test_free(each);
 }
 
 static void collect_values() {
@@ -180,11 +181,16 @@ const struct {
     {0, "select poll send recv recvmsg read pread getsockname"},
 };
 
+// One of each kind of block is enough here.
+static std::string without_many(const std::string &product) {
+  return std::regex_replace(product, std::regex("(^|\n)[^\n]*(limits.13|radio.13.f|led.*13).*"), "");
+}
+
 // What each operation does, and what is different, or all there is, with each fault.
 TEST(faults, each_costs_what_it_must) {
   radios = data("radios");
-  const auto outcome = [product = shell("grep -v 'limits.13\\|radio.13.f\\|led.*13' product")](
-                           const auto &operation, const char *calls, int nth, int error) {
+  const auto outcome = [product = without_many(data("product"))](const auto &operation, const char *calls, int nth,
+                                                                 int error) {
     return run([&] {
       write_file("/etc/product", product);
       if (operation.prepare) operation.prepare();

@@ -182,7 +182,8 @@ TEST(capabilities, what_is_absent_is_all_zero) {
     ASSERT_EQ(product_caps.led_rssi_count, 1);
     const auto &[devname, name] = *product_caps.led_rssi;
     EXPECT_EQ(text(devname.value) + text(name.value) + std::to_string(devname.present - name.present), "(none)1");
-    product_caps.loaded = product_caps.led_rssi_count = 0, product_caps.led_rssi = nullptr;
-    EXPECT_EQ(shown(&product_caps, sizeof product_caps), std::string(sizeof product_caps, '.'));
+    product_caps_t rest = product_caps;
+    rest.loaded = rest.led_rssi_count = 0, rest.led_rssi = nullptr;
+    EXPECT_EQ(shown(&rest, sizeof rest), std::string(sizeof rest, '.'));
   });
 }

@@ -302,14 +302,18 @@ static size_t open_page = 9;
 
 TEST(eeprom, only_pages_that_change_are_written) {
   on_device([] {
+    const timespec long_ago[] = {{1, 0}, {1, 0}};
     std::string third(6000, 'c');
     write_file(path, with_image(image({{1, std::string(6000, 'a')}, {2, "b"}, {3, third}})));
+    chmod(path, 0644), utimensat(0, path, long_ago, 0);
     EXPECT_EQ(init(), 0);
     on_mapping([](void *mapping, size_t size) {
       mprotect(mapping, size, PROT_READ);
       if (open_page < 9) mprotect(static_cast<char *>(mapping) + open_page * place, place, PROT_READ | PROT_WRITE);
     });
     eeprom_write();
+    struct stat status;
+    EXPECT_EQ(stat(path, &status) + status.st_mtime, 1);
     open_page = 1, put(2, "B"), eeprom_write();
     open_page = 2, third[5990] = 'C', put(3, third), eeprom_write();
     EXPECT_EQ(contents(), with_image(image({{1, std::string(6000, 'a')}, {2, "B"}, {3, third}})));

@@ -70,6 +70,9 @@ void fail(const std::string &calls, int nth, int error);
 bool strikes(const char *call);
 std::string calls_seen();
 
+// What the library gave is freed and counted by this one.
+extern "C" void test_free(void *block);
+
 // Blocks that the library has allocated and not freed, and the size of the newest one.
 long live_blocks();
 size_t newest_size();

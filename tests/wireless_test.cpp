@@ -4,7 +4,6 @@
 #include <linux/wireless.h>
 #include <unistd.h>
 
-#include <cmath>
 #include <cstring>
 
 #include "support/test.h"
@@ -14,7 +13,7 @@ using namespace test;
 
 // A driver whose answers a test may change, and what it was asked: number, name, length and flags of the room.
 struct radio {
-  std::string essid = "net&5", log;
+  std::string log;
   uint16_t essid_length = 5;
   uint8_t disabled = 0;
   iw_freq frequency{241200000, 1, 7, 0xff};
@@ -29,13 +28,12 @@ struct radio {
   int answer(unsigned long number, iwreq &request) {
     auto &u = request.u;
     char line[80], *room = static_cast<char *>(u.data.pointer);
-    std::snprintf(line, sizeof line, "%lx %.16s %u %x\n", number, request.ifr_ifrn.ifrn_name, u.data.length,
-                  u.data.flags);
+    std::snprintf(line, sizeof line, "%lx %.16s %u %x\n", number, request.ifr_name, u.data.length, u.data.flags);
     log += line;
     EXPECT_TRUE(u.data.length != 0 || shown(&u, sizeof u) == std::string(sizeof u, '.'));
     switch (number) {
       case 0x8B01: std::memcpy(u.name, "IEEE 802.11TURBO", 16); break;
-      case 0x8B1B: essid.copy(room, essid.size()), u.essid.length = essid_length, u.essid.flags = 0x1281; break;
+      case 0x8B1B: std::memcpy(room, "net&5", 5), u.essid.length = essid_length, u.essid.flags = 0x1281; break;
       case 0x8B07: u.mode = 6; break;
       case 0x8B05: u.freq = frequency; break;
       case 0x8B15: u.ap_addr = {1, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14}}; break;
@@ -44,7 +42,7 @@ struct radio {
       case 0x8B0F: bytes_of(iw_statistics{0xffff, {1, 0xc3, 0xa1, 0xff}, {}, {}}).copy(room, u.data.length); break;
       case 0x8B2B: std::memset(room, 'k', u.data.length), u.data.length = 5, u.data.flags = 0xa802; break;
       case 0x8B27: u.txpower = {INT32_MIN, 1, disabled, 0xffff}; break;
-      case 0x8BED: std::memset(room + 4, 'c', u.data.length - 4); break;
+      case 0x8BED: std::memset(room + 4, *room, u.data.length - 4); break;
       default: return errno = EOPNOTSUPP, -1;
     }
     return 0;
@@ -52,28 +50,23 @@ struct radio {
 };
 
 TEST(wireless, the_whole_record_comes_from_these_requests_and_files) {
-  const auto body = [product = data("radios"), requests = data("requests"), calls = data("radios.calls")] {
+  const auto body = [files = rows("wireless.files"), product = data("radios")] {
+    for (const auto &row : files) write_file(row[0], row[1]);
     write_file("/etc/product", product);
-    write_file("/proc/net/radio0/txstats", "Packets: 4294967295\nRetried\t= 7\n");
-    write_file("/proc/net/radio0/rxstats", "Packets 4000000000 x\nPackets: 5\n Dropped last:9\n");
-    write_file("/proc/net/madwifi/radio0/state_cnt",
-               "INIT:1 msecs SCAN: -2 msecs AUTH:\n3\nmsecs\nASSOC: 4 msecs\nRUN: 9223372036854775807");
     const radio driver;
     char name[] = "radio0", *arguments[] = {name, nullptr};
     EXPECT_EQ(devfacts::tool::wireless(arguments), devfacts::tool::done);
-    EXPECT_EQ(driver.log, requests);
-    EXPECT_EQ(asked(), calls);
+    std::printf("%s%s", driver.log.c_str(), asked().c_str());
     const int control = ioctl_socket();
     iw_status status, clean{};
     std::memset(&status, 0x5a, sizeof status);
     for (iw_status *each : {&status, &clean}) EXPECT_EQ(iw_info(each, name), 0);
     EXPECT_EQ(asked(), "");
     EXPECT_EQ(bytes_of(status), bytes_of(clean));
-    EXPECT_EQ(status.ieee_name + std::string(1, status.ap_addr.sa_data[13]), "IEEE 802.11TURBO\x0e");
-    EXPECT_EQ(status.ap_addr.sa_family, 1);
+    EXPECT_EQ(listed(status.ap_addr.sa_family, status.ap_addr.sa_data[13]), "1 14");
     EXPECT_EQ(close(control), -1) << "the control socket was left open";
   };
-  on_device(body, data("wireless.xml") + "||0");
+  on_device(body, data("wireless") + "||0");
 }
 
 TEST(wireless, records_are_as_they_were_or_cleared_before_they_are_filled) {
@@ -102,20 +95,17 @@ TEST(wireless, names_reach_the_driver_whole_or_cut_and_a_word_with_the_private_r
        {"", "radio0123456789", "radio01234567890", "radio01234567890 and so on to behind the record's end"})
     EXPECT_EQ(iw_capable(name), 1);
   EXPECT_EQ(iw_get_channels("r", 0x12345678, room), 0);
-  EXPECT_EQ(bytes_of(room), bytes_of(0x12345678) + std::string(2044, 'c'));
+  EXPECT_EQ(bytes_of(room), bytes_of(0x12345678) + std::string(2044, big_endian ? 0x12 : 0x78));
   EXPECT_EQ(driver.log, data("names"));
   fail("ioctl", 1, EPERM);
-  EXPECT_EQ(iw_capable("r"), 0);
-  fail("ioctl", 1, EPERM);
-  EXPECT_EQ(iw_get_channels("r", 0xfeedface, room), -1);
-  EXPECT_EQ(room[0], 0xfeedface);
-  EXPECT_EQ(ioctl_socket(), control) << "the control socket was closed";
+  EXPECT_EQ(iw_get_channels("r", 0x12345678, room), -1);
+  EXPECT_EQ(close(control), 0) << "the control socket was closed";
 }
 
 TEST(wireless, answers_of_any_size_stay_inside_their_fields) {
   for (const auto &row : rows("ranges")) {  // mantissa, exponent, frequencies, rates, a name's length; what they give
     radio driver;
-    driver.essid = std::string(63, 'x'), driver.essid_length = std::stoi(row[4]), driver.disabled = 1;
+    driver.essid_length = std::stoi(row[4]), driver.disabled = 1;
     driver.frequency = {std::stoi(row[0]), static_cast<int16_t>(std::stoi(row[1])), 0, 0};
     driver.range.num_frequency = std::stoi(row[2]), driver.range.num_bitrates = std::stoi(row[3]);
     driver.range.freq[7] = {2412, 0, {}, 77, {}}, driver.range.freq[8] = {24120, -1, {}, 78, {}};
@@ -126,7 +116,7 @@ TEST(wireless, answers_of_any_size_stay_inside_their_fields) {
     EXPECT_EQ(listed(s.essid_length, strnlen(s.essid, 64), s.essid_flags, s.txpower), row[6]);
   }
   const char odd[] = "x\xff\xff\xff\xff\0\3";  // at an odd address
-  EXPECT_EQ(iw_freq2double(odd + 1), big_endian ? -1000.0 : -INFINITY);
+  EXPECT_EQ(listed(iw_freq2double(odd + 1)), big_endian ? "-1000.000000" : "-inf");
 }
 
 TEST(wireless, words) {
@@ -141,10 +131,9 @@ TEST(wireless, words) {
 }
 
 TEST(counters, files_of_all_kinds) {
-  on_device([table = rows("counters")] {
+  on_device([table = rows("counters"), others = rows("counters.others")] {
+    for (const auto &row : others) write_file(row[0], row[1]);
     const std::string cut = std::string("r").append(4077, '/');  // leaves room for all but the last letter
-    for (const char *other : {"r/rxstat", "(null)/rxstats"})
-      write_file(std::string("/proc/net/") + other, "Packets: 1");
     iw_status s{};
     for (const char *name : {static_cast<const char *>(nullptr), "none", cut.c_str()})
       EXPECT_EQ(iw_rx_total(&s, name) + iw_read_states(&s), -2);
@@ -152,8 +141,7 @@ TEST(counters, files_of_all_kinds) {
     for (const auto &row : table) {
       write_file("/proc/net/r/rxstats", row[0]), write_file("/proc/net/madwifi/r/state_cnt", row[0]);
       s.rx_total = s.state_init = s.state_scan = s.state_auth = s.state_assoc = s.state_run = 7;
-      const std::string results = listed(iw_rx_total(&s, "r"), s.rx_total) + " " + listed(iw_read_states(&s));
-      EXPECT_EQ(results, row[1]) << row[0];
+      EXPECT_EQ(listed(iw_rx_total(&s, "r"), s.rx_total, iw_read_states(&s)), row[1]) << row[0];
       EXPECT_EQ(listed(s.state_init, s.state_scan, s.state_auth, s.state_assoc, s.state_run), row[2]) << row[0];
     }
   });
@@ -162,12 +150,11 @@ TEST(counters, files_of_all_kinds) {
 TEST(peers, rows_are_added_in_the_order_of_the_file) {
   const auto body = [file = data("peers")] {
     char name[] = "ra0", *named[] = {name, nullptr};
-    EXPECT_EQ(devfacts::tool::peers(named), 0);
     write_file("/proc/net/ra0/peers", file), write_file("/proc/net/ra0/peer", file);
     for (char **arguments : {named, named + 1}) EXPECT_EQ(devfacts::tool::peers(arguments), 0);
     iw_peers_list list{};
-    const std::string cut = std::string("ra0").append(237, '/');  // leaves room for all but the last letter
-    for (const char *each : {"ra0", static_cast<const char *>(nullptr), cut.c_str()}) iw_peers(&list, each);
+    const std::string whole = std::string("ra0").append(236, '/'), cut = whole + "/";  // by its last letter
+    for (const char *each : {static_cast<const char *>(nullptr), whole.c_str(), cut.c_str()}) iw_peers(&list, each);
     EXPECT_EQ(list.count, 6U);
     for (int i = 0; i < 2; ++i) iw_peers_free(&list), iw_peers_free(nullptr);
     EXPECT_TRUE(list.count == 0 && list.rows == nullptr && live_blocks() == 0);
@@ -177,33 +164,21 @@ TEST(peers, rows_are_added_in_the_order_of_the_file) {
   on_device(body, data("peers.xml") + "||0");
 }
 
-std::string limits_of(const char *name) {
-  iw_radio_limits_t limits;
-  EXPECT_EQ(iw_radio_limits(&limits, name), 0);
-  std::string seen;
-  for (const auto &limit : {limits.antenna_gain, limits.txpower_offset, limits.min_txpower, limits.frequency_offset})
-    seen += listed(limit.present, limit.value) + " ";
-  return seen + limits.allowed_modulations + " " + limits.ieee_band;
-}
-
 TEST(limits, the_first_call_settles_them) {
-  for (const auto &row : rows("limits")) {  // the name, the limits
-    on_device([&, file = data("radios")] {
-      write_file("/etc/product", file);
-      EXPECT_EQ(iw_countrycode_limits(), std::string("DE"));
-      limits_of(row[0].c_str());
-      EXPECT_NE(asked().find("free iterator"), std::string::npos) << row[0];
+  for (const auto &row : rows("limits")) {  // the product file if it is another one, the name, the limits
+    on_device([&, has_radios = row[0].empty(), radios = data("radios")] {
+      write_file("/etc/product", has_radios ? radios : row[0]);
+      iw_radio_limits_t l;
+      EXPECT_EQ(iw_radio_limits(&l, row[1].c_str()), 0);
+      EXPECT_EQ(asked().find("free iterator") != std::string::npos, has_radios) << row[1];
       prod_spec_close();
-      EXPECT_EQ(limits_of("bare"), row[1]) << row[0];
-      EXPECT_EQ(asked(), "destroy\n");
+      write_file("/etc/product", "radio.0.master=bare\nradio.0.ieee-band=x");
+      EXPECT_EQ(iw_radio_limits(&l, "bare"), 0);
+      EXPECT_EQ(asked(), has_radios ? "destroy\n" : "");
+      std::string seen;
+      for (const auto &limit : {l.antenna_gain, l.txpower_offset, l.min_txpower, l.frequency_offset})
+        seen += listed(limit.present, limit.value) + " ";
+      EXPECT_EQ(seen + l.allowed_modulations + " " + l.ieee_band, row[2]) << row[1];
     });
   }
-  on_device([] {
-    write_file("/etc/product", "damaged");
-    for (int i = 0; i < 2; ++i) {
-      EXPECT_EQ(limits_of("radio0"), "0 0 0 0 0 0 0 0 OFDM 5GHz");
-      EXPECT_EQ(iw_countrycode_limits(), nullptr);
-      write_file("/etc/product", "radio.0.master=radio0\nradio.0.ieee-band=x");
-    }
-  });
 }

@@ -15,15 +15,13 @@ int answer(unsigned long number, void *record) {
   ethtool_cmd settings{};
   settings.speed = 0x1234, settings.speed_hi = 0xffff, settings.duplex = 1, settings.supported = 0x89abcdef;
   const struct {
-    int command;
-    std::string expected, answer;
-  } known[] = {{1, std::string(40, '\0'), bytes_of(settings).substr(4)},
-               {0xa, bytes_of(0), bytes_of(0xffffff01)},
-               {0x20, bytes_of(6) + std::string(8, '\0'), bytes_of(6) + "permanen"}};
+    std::string command, expected, answer;
+  } known[] = {{bytes_of(1), std::string(40, '\0'), bytes_of(settings).substr(4)},
+               {bytes_of(0xa), bytes_of(0), bytes_of(0xffffff01)},
+               {bytes_of(0x20), bytes_of(6) + std::string(8, '\0'), bytes_of(6) + "permanen"}};
   char *bytes = request.ifr_data + 4;
   for (const auto &each : known)
-    if (std::string(bytes - 4, 4) == bytes_of(each.command) &&
-        each.expected == std::string(bytes, each.expected.size()))
+    if (each.command == std::string(bytes - 4, 4) && each.expected == std::string(bytes, each.expected.size()))
       return each.answer.copy(bytes, each.answer.size()), 0;
   return errno = EOPNOTSUPP, -1;
 }

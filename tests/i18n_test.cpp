@@ -1,8 +1,6 @@
 // Texts from catalogues on a device of their own.
 #include <devfacts/i18n.h>
 
-#include <cstring>
-
 #include "support/test.h"
 
 using namespace test;
@@ -64,7 +62,7 @@ TEST(set_po_access_path, takes_the_first_word_of_the_first_line) {
       EXPECT_EQ(gettext("who"), row[2]) << row[0];
     }
     std::string folder = "//po";
-    while (folder.size() + strlen("/de/c") < 4095) folder += "/.";
+    while (folder.size() + sizeof "/de/c" < 4096) folder += "/.";
     EXPECT_EQ(set_po_access_path("c", folder.c_str()), 0);
     EXPECT_STREQ(gettext("who"), "cut");
   });

@@ -123,13 +123,15 @@ static auto stored_in(const std::string &path, off_t place) {
   };
 }
 
-static std::string radios;
+static std::string product, radios;
 const auto print_records = with(tool::records, {}), set_record = with(tool::records, {"set", "1", "6e6577", "--write"});
 
-const struct {
+struct operation {
   const char *name;
   std::function<void()> prepare, ask, rest;
-} operations[] = {
+};
+
+const operation operations[] = {
     {"flags", {}, set_flags, {}},
     {"control", {}, [] { say(ioctl_socket() == ioctl_socket()); }, {}},
     {"copies", {}, copy_texts, {}},
@@ -143,11 +145,11 @@ const struct {
     {"identity", {}, with(tool::product, {"product.name"}), {}},
     {"configuration", {}, with(tool::config, {"a.b"}), {}},
     {"messages", {}, send_and_receive, {}},
-    {"messages over many", use_up_descriptors, send_and_receive, {}},
-    {"records in a file", stored_in(file, 4096), print_records, {}},
-    {"records into a file", stored_in(file, 4096), set_record, print_records},
-    {"records into a hole", stored_in(file, 16384), set_record, print_records},
-    {"records into flash", stored_in(flash, 4096), set_record, print_records},
+    {"messages_over_many", use_up_descriptors, send_and_receive, {}},
+    {"records_in_a_file", stored_in(file, 4096), print_records, {}},
+    {"records_into_a_file", stored_in(file, 4096), set_record, print_records},
+    {"records_into_a_hole", stored_in(file, 16384), set_record, print_records},
+    {"records_into_flash", stored_in(flash, 4096), set_record, print_records},
     {"text", {}, with(tool::translate, {"/po", "c", "plain"}), {}},
 };
 
@@ -171,10 +173,12 @@ static std::string lines_not_in(const std::string &other, const std::string &tex
   return count > most_shown ? found + mark + " and " + std::to_string(count - most_shown) + " more\n" : found;
 }
 
-const struct {
+struct fault {
   int error;
   const char *calls;
-} faults[] = {
+};
+
+constexpr fault faults_of_calls[] = {
     {ENOMEM, ""},
     {EINTR, "connect select poll send recv recvmsg read pread posix_fallocate"},
     {EAGAIN, "send recv recvmsg"},
@@ -182,62 +186,77 @@ const struct {
     {0, "select poll send recv recvmsg read pread getsockname"},
 };
 
-// One of each kind of block is enough here.
-static std::string without_many(const std::string &product) {
-  return std::regex_replace(product, std::regex("(^|\n)[^\n]*(limits.13|radio.13.f|led.*13).*"), "");
+// What an operation prints and leaves when the n-th of its calls fails; with 0 none does, and the calls are noted.
+static std::string outcome(const operation &operation, const fault &fault, int nth) {
+  return run([&] {
+    write_file("/etc/product", product);
+    if (operation.prepare) operation.prepare();
+    const int before = open_descriptors();
+    fail(fault.calls, nth, fault.error), operation.ask();
+    if (nth == 0) write_file("/calls", calls_seen());
+    fail("none", 0, 0);
+    if (operation.rest) operation.rest();
+    ioctl_close(), prod_spec_close(), sysconf_close(), eeprom_free();
+    say(live_blocks(), "blocks and", open_descriptors() - before, "descriptors remain");
+    leave();
+  });
 }
 
-// What each operation does, and what is different, or all there is, with each fault.
-TEST(faults, each_costs_what_it_must) {
-  radios = data("radios");
-  const auto outcome = [product = without_many(data("product"))](const auto &operation, const char *calls, int nth,
-                                                                 int error) {
-    return run([&] {
-      write_file("/etc/product", product);
-      if (operation.prepare) operation.prepare();
-      const int before = open_descriptors();
-      fail(calls, nth, error), operation.ask();
-      if (nth == 0) write_file("/calls", calls_seen());
-      fail("none", 0, 0);
-      if (operation.rest) operation.rest();
-      ioctl_close(), prod_spec_close(), sysconf_close(), eeprom_free();
-      say(live_blocks(), "blocks and", open_descriptors() - before, "descriptors remain");
-      leave();
-    });
+static std::string difference(const std::string &end, const std::string &whole) {
+  const bool is_whole = end.find("descriptors remain") != end.npos;
+  return is_whole ? lines_not_in(end, whole, '-') + lines_not_in(whole, end, '+') : end + "\n";
+}
+
+// Faults that cost the same are told together.
+static void sweep(const operation &operation, const fault &fault) {
+  const std::string whole = outcome(operation, fault, 0);
+  if (fault.error == ENOMEM) std::cout << whole << "\n";
+  std::ifstream calls("/calls");
+  std::string name, faults, last;
+  const auto tell = [&] { std::cout << "-- " << strerrorname_np(fault.error) << ":" << faults << "\n" << last; };
+  for (int nth = 1; calls >> name; ++nth) {
+    const std::string cost = difference(outcome(operation, fault, nth), whole);
+    if (nth > 1 && cost != last) tell(), faults.clear();
+    faults.append(" ").append(std::to_string(nth)).append(".").append(name), last = cost;
+  }
+  if (!faults.empty()) tell();
+}
+
+static void make_device(const std::string &peers, const std::string &catalogue) {
+  const std::pair<const char *, std::string> files[] = {
+      {"/proc/mtd", "dev:\nmtd0: 0 0 \"Factory\"\n"},
+      {"/f", "a=1\nb=2\n"},
+      {"/proc/net/ra0/peers", peers},
+      {"/etc/lang", "de"},
+      {"/po/de/c.po", catalogue},
+      {"/tmp/system.cfg", "a.b=c\n"},
+      {"/proc/sys/net/ra<1/%parent", "lo"},
+      {"/etc/serial-no", "1234\n"},
+      {"/usr/lib/version", "v1.rt3052\n"},
+      {"/proc/net/madwifi/radio0/state_cnt", "INIT: 1 msecs"},
+      {"/proc/net/radio0/rxstats", "Packets: 1\nRetried: 2\nDropped: 3\n"},
+      {"/proc/net/radio0/txstats", "Packets: 1\nRetried: 2\nDropped: 3\n"},
   };
-  const auto tell = [](int error, const std::string &faults, const std::string &cost) {
-    std::cout << "-- " << strerrorname_np(error) << ":" << faults << "\n" << cost;
-  };
-  const auto difference = [](const std::string &end, const std::string &whole) {
-    const bool is_whole = end.find("descriptors remain") != end.npos;
-    return is_whole ? lines_not_in(end, whole, '-') + lines_not_in(whole, end, '+') : end + "\n";
-  };
-  const auto sweep = [&](const auto &operation, const auto &fault) {
-    const std::string whole = outcome(operation, fault.calls, 0, fault.error);
-    if (fault.error == ENOMEM) say("==", operation.name), say(whole);
-    std::ifstream calls("/calls");
-    std::string name, faults, last;
-    for (int nth = 1; calls >> name; ++nth) {
-      const std::string cost = difference(outcome(operation, fault.calls, nth, fault.error), whole);
-      if (nth > 1 && cost != last) tell(fault.error, faults, last), faults.clear();
-      faults.append(" ").append(std::to_string(nth)).append(".").append(name), last = cost;
-    }
-    if (!faults.empty()) tell(fault.error, faults, last);
-  };
-  const auto body = [&, peers = data("peers"), po = data("catalogue.po")] {
+  for (const auto &[path, text] : files) write_file(path, text);
+  drive(answer);
+}
+
+class faults : public testing::TestWithParam<operation> {};
+
+// What the operation does, and what is different, or all there is, with each fault.
+TEST_P(faults, cost_what_they_must) {
+  radios = data("radios");  // one of each kind of block of the product is enough here
+  product = std::regex_replace(data("product"), std::regex("(^|\n)[^\n]*(limits.13|radio.13.f|led.*13).*"), "");
+  const auto body = [peers = data("peers"), catalogue = data("catalogue.po")] {
     mkdir("/var", 0755), mkdir("/var/cfg", 0755);
     mount("", "/var/cfg", "tmpfs", 0, "");  // holes and blocks the same everywhere
-    write_file("/proc/mtd", "dev:\nmtd0: 0 0 \"Factory\"\n"), write_file("/f", "a=1\nb=2\n"),
-        write_file("/proc/net/ra0/peers", peers);
-    write_file("/etc/lang", "de"), write_file("/po/de/c.po", po), write_file("/tmp/system.cfg", "a.b=c\n");
-    write_file("/proc/sys/net/ra<1/%parent", "lo"), write_file("/etc/serial-no", "1234\n");
-    write_file("/usr/lib/version", "v1.rt3052\n"), write_file("/proc/net/madwifi/radio0/state_cnt", "INIT: 1 msecs");
-    for (const char *file : {"rxstats", "txstats"})
-      write_file(std::string("/proc/net/radio0/") + file, "Packets: 1\nRetried: 2\nDropped: 3\n");
-    drive(answer);
-    for (const auto &operation : operations)
-      for (const auto &fault : faults) sweep(operation, fault);
+    make_device(peers, catalogue);
+    for (const fault &each : faults_of_calls) sweep(GetParam(), each);
     umount2("/var/cfg", MNT_DETACH);
   };
-  on_device(body, data("faults") + "||0");
+  on_device(body, data(std::string("faults.") + GetParam().name) + "||0");
 }
+
+static void PrintTo(const operation &operation, std::ostream *out) { *out << operation.name; }
+INSTANTIATE_TEST_SUITE_P(each, faults, testing::ValuesIn(operations),
+                         [](const auto &info) { return std::string(info.param.name); });

@@ -28,6 +28,8 @@ TEST(store, values_and_walks) {
       cfg_free_iterator(first);
     }
     EXPECT_EQ(cfg_get_uint32_value(store, 0, "x") + cfg_get_bool_value(store, 0, "x") + cfg_key_exists(store, ""), 0U);
+    cfg_destroy(store);
+    EXPECT_EQ(live_blocks(), 0);
   };
   on_device(walk_all, data("store.walks") + "||0");
 }

@@ -13,14 +13,6 @@ TEST(core, die_prints_its_text_alone_and_flushes) {
   expect_run("pending|answer is 42|1", [] { std::printf("pending"), die("%s is %d", "answer", 42); });
 }
 
-TEST(core, one_descriptor_flag_changes_and_the_others_stay) {
-  const int fd = open("/dev/null", O_WRONLY | O_APPEND), before = fcntl(fd, F_GETFL);
-  const auto after = [=](int (*set)(int), int command) { return set(fd) == 0 ? fcntl(fd, command) : -1; };
-  EXPECT_EQ(after(set_nio, F_GETFL), before | O_NONBLOCK);
-  EXPECT_EQ(after(set_bio, F_GETFL), before);
-  EXPECT_EQ(after(set_coe, F_GETFD), FD_CLOEXEC);
-}
-
 TEST(core, there_is_one_control_socket_until_it_is_closed) {
   expect_run("||0", [] {
     close(STDIN_FILENO);  // number 0 is free, and counts as open

@@ -7,21 +7,17 @@
 #include <devfacts/transport.h>
 #include <devfacts/wireless.h>
 #include <fcntl.h>
-#include <linux/ethtool.h>
-#include <linux/sockios.h>
-#include <linux/wireless.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <regex>
 #include <sstream>
 
-#include "support/test.h"
+#include "support/driver.h"
 #include "tools/command.h"
 
 using namespace test;
@@ -38,15 +34,12 @@ static auto with(tool::exit_status (*command)(char **), std::vector<std::string>
   };
 }
 
-// A driver that fills with ones what it is given: a record of ethtool's behind its command, else the room and the
-// request.
-static int answer(unsigned long number, void *record) {
-  auto &u = static_cast<iwreq *>(record)->u;
-  const bool is_ethtool = number == SIOCETHTOOL;
-  auto *room = static_cast<char *>(u.data.pointer) + (is_ethtool ? 4 : 0);
-  std::fill_n(room, !is_ethtool ? u.data.length : room[-1] + room[-4] == ETHTOOL_GLINK ? 4 : 12, '1');
-  if (!is_ethtool) std::memset(&u, '1', 16);
-  return 0;
+// With a driver, and what this and the configuration store were asked.
+static auto driven(const std::function<void()> &ask) {
+  return [=] {
+    const driver device;
+    ask(), std::cout << device.log << asked();
+  };
 }
 
 static void query_driver() {
@@ -56,7 +49,8 @@ static void query_driver() {
     iw_status status;
     std::memset(&status, 0x5a, sizeof status);
     const int result = ask(&status, "radio0");
-    say(++nth, result, bytes_of(status) == std::string(sizeof status, 0x5a) ? "as it was" : "written");
+    const std::string bytes = bytes_of(status);
+    say(++nth, result, "and changed bytes:", bytes.size() - std::count(bytes.begin(), bytes.end(), 0x5a));
   }
 }
 
@@ -65,7 +59,7 @@ static void ask_about_link() {
   const int result = eth_info(&status, "eth0");
   say(result, status.speed, +status.duplex, +status.link, status.supported, shown(status.perm_addr, 6));
   const int read = eth_perm_addr(status.perm_addr, "eth0");
-  say(read, shown(status.perm_addr, 6)), say(eth_capable("eth0"));
+  say(read, shown(status.perm_addr, 6)), say(eth_capable("eth0"), eth_capable("eth1"));
 }
 
 static void answer_dumps() {
@@ -75,10 +69,12 @@ static void answer_dumps() {
 }
 
 static void set_flags() {
-  int ends[2];
-  pipe(ends);
-  for (const auto set : {set_coe, set_nio, set_bio}) say(set(ends[0]));
-  close(ends[0]), close(ends[1]);
+  const int fd = open("/f", O_WRONLY | O_APPEND), before = fcntl(fd, F_GETFL);
+  for (const auto set : {set_coe, set_nio, set_bio}) {
+    const int result = set(fd), changed = fcntl(fd, F_GETFL) ^ before;
+    say(result, fcntl(fd, F_GETFD), changed == O_NONBLOCK ? "non-blocking" : changed == 0 ? "as before" : "other");
+  }
+  close(fd);
 }
 
 static void copy_texts() {
@@ -137,10 +133,10 @@ const operation operations[] = {
     {"copies", {}, copy_texts, {}},
     {"values", {}, collect_values, {}},
     {"interfaces", answer_dumps, with(tool::net, {}), {}},
-    {"queries", {}, query_driver, {}},
-    {"wireless", [] { write_file("/etc/product", radios); }, with(tool::wireless, {"radio0"}), {}},
+    {"queries", {}, driven(query_driver), {}},
+    {"wireless", [] { write_file("/etc/product", radios); }, driven(with(tool::wireless, {"radio0"})), {}},
     {"peers", {}, with(tool::peers, {}), {}},
-    {"link", {}, ask_about_link, {}},
+    {"link", {}, driven(ask_about_link), {}},
     {"capabilities", {}, [] { say(product_caps_get() != nullptr); }, with(tool::product, {})},
     {"identity", {}, with(tool::product, {"product.name"}), {}},
     {"configuration", {}, with(tool::config, {"a.b"}), {}},
@@ -196,7 +192,7 @@ static std::string outcome(const operation &operation, const fault &fault, int n
     if (nth == 0) write_file("/calls", calls_seen());
     fail("none", 0, 0);
     if (operation.rest) operation.rest();
-    ioctl_close(), prod_spec_close(), sysconf_close(), eeprom_free();
+    prod_spec_close(), sysconf_close(), eeprom_free();
     say(live_blocks(), "blocks and", open_descriptors() - before, "descriptors remain");
     leave();
   });
@@ -222,35 +218,17 @@ static void sweep(const operation &operation, const fault &fault) {
   if (!faults.empty()) tell();
 }
 
-static void make_device(const std::string &peers, const std::string &catalogue) {
-  const std::pair<const char *, std::string> files[] = {
-      {"/proc/mtd", "dev:\nmtd0: 0 0 \"Factory\"\n"},
-      {"/f", "a=1\nb=2\n"},
-      {"/proc/net/ra0/peers", peers},
-      {"/etc/lang", "de"},
-      {"/po/de/c.po", catalogue},
-      {"/tmp/system.cfg", "a.b=c\n"},
-      {"/proc/sys/net/ra<1/%parent", "lo"},
-      {"/etc/serial-no", "1234\n"},
-      {"/usr/lib/version", "v1.rt3052\n"},
-      {"/proc/net/madwifi/radio0/state_cnt", "INIT: 1 msecs"},
-      {"/proc/net/radio0/rxstats", "Packets: 1\nRetried: 2\nDropped: 3\n"},
-      {"/proc/net/radio0/txstats", "Packets: 1\nRetried: 2\nDropped: 3\n"},
-  };
-  for (const auto &[path, text] : files) write_file(path, text);
-  drive(answer);
-}
-
 class faults : public testing::TestWithParam<operation> {};
 
 // What the operation does, and what is different, or all there is, with each fault.
 TEST_P(faults, cost_what_they_must) {
   radios = data("radios");  // one of each kind of block of the product is enough here
   product = std::regex_replace(data("product"), std::regex("(^|\n)[^\n]*(limits.13|radio.13.f|led.*13).*"), "");
-  const auto body = [peers = data("peers"), catalogue = data("catalogue.po")] {
+  const auto body = [files = rows("device"), peers = data("peers"), catalogue = data("catalogue.po")] {
     mkdir("/var", 0755), mkdir("/var/cfg", 0755);
     mount("", "/var/cfg", "tmpfs", 0, "");  // holes and blocks the same everywhere
-    make_device(peers, catalogue);
+    for (const auto &row : files) write_file(row[0], row[1]);
+    write_file("/proc/net/ra0/peers", peers), write_file("/po/de/c.po", catalogue);
     for (const fault &each : faults_of_calls) sweep(GetParam(), each);
     umount2("/var/cfg", MNT_DETACH);
   };

@@ -1,100 +1,38 @@
 #include <devfacts/core.h>
 #include <devfacts/product.h>
-#include <devfacts/wireless.h>
-#include <linux/wireless.h>
 #include <unistd.h>
 
 #include <cstring>
 
-#include "support/test.h"
+#include "support/driver.h"
 #include "tools/command.h"
 
 using namespace test;
 
-// A driver whose answers a test may change, and what it was asked: number, name, length and flags of the room.
-struct radio {
-  std::string log;
-  uint16_t essid_length = 5;
-  uint8_t disabled = 0;
-  iw_freq frequency{241200000, 1, 7, 0xff};
-  iw_range_record range{};
-
-  radio() {
-    range.num_bitrates = 3, range.num_frequency = 255;
-    for (int i = 0; i < 32; ++i) range.bitrate[i] = 1500000 * (i + 1);
-    for (int i = 0; i < 255; ++i) range.freq[i] = {2407 + 5 * i, 6, {0xff, 0xff}, 1000 + i, {}};
-    drive([this](unsigned long number, void *record) { return answer(number, *static_cast<iwreq *>(record)); });
-  }
-  int answer(unsigned long number, iwreq &request) {
-    auto &u = request.u;
-    char line[80], *room = static_cast<char *>(u.data.pointer);
-    std::snprintf(line, sizeof line, "%lx %.16s %u %x\n", number, request.ifr_name, u.data.length, u.data.flags);
-    log += line;
-    EXPECT_TRUE(u.data.length != 0 || shown(&u, sizeof u) == std::string(sizeof u, '.'));
-    switch (number) {
-      case 0x8B01: std::memcpy(u.name, "IEEE 802.11TURBO", 16); break;
-      case 0x8B1B: std::memcpy(room, "net&5", 5), u.essid.length = essid_length, u.essid.flags = 0x1281; break;
-      case 0x8B07: u.mode = 6; break;
-      case 0x8B05: u.freq = frequency; break;
-      case 0x8B15: u.ap_addr = {1, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14}}; break;
-      case 0x8B21: u.bitrate = {-54000000, 1, 1, 0xffff}; break;
-      case 0x8B0B: bytes_of(range).copy(room, u.data.length), u.data.length = sizeof range; break;
-      case 0x8B0F: bytes_of(iw_statistics{0xffff, {1, 0xc3, 0xa1, 0xff}, {}, {}}).copy(room, u.data.length); break;
-      case 0x8B2B: std::memset(room, 'k', u.data.length), u.data.length = 5, u.data.flags = 0xa802; break;
-      case 0x8B27: u.txpower = {INT32_MIN, 1, disabled, 0xffff}; break;
-      case 0x8BED: std::memset(room + 4, *room, u.data.length - 4); break;
-      default: return errno = EOPNOTSUPP, -1;
-    }
-    return 0;
-  }
-};
-
-TEST(wireless, the_whole_record_comes_from_these_requests_and_files) {
-  const auto body = [files = rows("wireless.files"), product = data("radios")] {
-    for (const auto &row : files) write_file(row[0], row[1]);
-    write_file("/etc/product", product);
-    const radio driver;
-    char name[] = "radio0", *arguments[] = {name, nullptr};
-    EXPECT_EQ(devfacts::tool::wireless(arguments), devfacts::tool::done);
-    std::printf("%s%s", driver.log.c_str(), asked().c_str());
-    const int control = ioctl_socket();
-    iw_status status, clean{};
-    std::memset(&status, 0x5a, sizeof status);
-    for (iw_status *each : {&status, &clean}) EXPECT_EQ(iw_info(each, name), 0);
-    EXPECT_EQ(asked(), "");
-    EXPECT_EQ(bytes_of(status), bytes_of(clean));
-    EXPECT_EQ(listed(status.ap_addr.sa_family, status.ap_addr.sa_data[13]), "1 14");
-    EXPECT_EQ(close(control), -1) << "the control socket was left open";
-  };
-  on_device(body, data("wireless") + "||0");
-}
-
-TEST(wireless, records_are_as_they_were_or_cleared_before_they_are_filled) {
-  const radio driver;
-  iw_status status{};
-  status.channel = 9;
-  fail("ioctl", 2, EPERM);
-  EXPECT_EQ(iw_freq_channel(&status, "radio0"), -1);
-  EXPECT_EQ(status.frequency + status.channel, 2412000009.0);
+TEST(wireless, records_are_cleared_before_they_are_filled) {
+  const driver device;
+  iw_status status, clean{};
+  std::memset(&status, 0x5a, sizeof status);
+  for (iw_status *each : {&status, &clean}) EXPECT_EQ(iw_info(each, "radio0"), 0);
+  EXPECT_EQ(bytes_of(status), bytes_of(clean));
   iw_range_record range;
   std::memset(&range, 0x5a, sizeof range);
   fail("ioctl", 1, EPERM);
   EXPECT_EQ(get_range_info("radio0", &range), -1);
   EXPECT_EQ(bytes_of(range), std::string(sizeof range, 0x5a));
   drive([](unsigned long, void *) { return 0; });  // and writes nothing
-  std::strcpy(status.ieee_name, "IEEE 802.11");
   EXPECT_EQ(get_range_info("radio0", &range) + iw_ieee_name(&status, "radio0"), 0);
   EXPECT_EQ(bytes_of(range) + bytes_of(status.ieee_name), std::string(sizeof range + sizeof status.ieee_name, 0));
 }
 
 TEST(wireless, names_reach_the_driver_whole_or_cut_and_a_word_with_the_private_request) {
-  const radio driver;
+  const driver device;
   const int control = ioctl_socket();
   uint32_t room[512]{};
   for (const auto &row : rows("names")) EXPECT_EQ(iw_capable(row[0].c_str()), 1);
   EXPECT_EQ(iw_get_channels("r", 0x12345678, room), 0);
   EXPECT_EQ(bytes_of(room), bytes_of(0x12345678) + std::string(2044, big_endian ? 0x12 : 0x78));
-  EXPECT_EQ(driver.log, data("names.asked"));
+  EXPECT_EQ(device.log, data("names.asked"));
   fail("ioctl", 1, EPERM);
   EXPECT_EQ(iw_get_channels("r", 0x12345678, room), -1);
   EXPECT_EQ(close(control), 0) << "the control socket was closed";
@@ -102,11 +40,11 @@ TEST(wireless, names_reach_the_driver_whole_or_cut_and_a_word_with_the_private_r
 
 TEST(wireless, answers_of_any_size_stay_inside_their_fields) {
   for (const auto &row : rows("ranges")) {  // mantissa, exponent, frequencies, rates, a name's length; what they give
-    radio driver;
-    driver.essid_length = std::stoi(row[4]), driver.disabled = 1;
-    driver.frequency = {std::stoi(row[0]), static_cast<int16_t>(std::stoi(row[1])), 0, 0};
-    driver.range.num_frequency = std::stoi(row[2]), driver.range.num_bitrates = std::stoi(row[3]);
-    driver.range.freq[7] = {2412, 0, {}, 77, {}}, driver.range.freq[8] = {24120, -1, {}, 78, {}};
+    driver device;
+    device.essid_length = std::stoi(row[4]), device.disabled = 1;
+    device.frequency = {std::stoi(row[0]), static_cast<int16_t>(std::stoi(row[1])), 0, 0};
+    device.range.num_frequency = std::stoi(row[2]), device.range.num_bitrates = std::stoi(row[3]);
+    device.range.freq[7] = {2412, 0, {}, 77, {}}, device.range.freq[8] = {24120, -1, {}, 78, {}};
     iw_status s;
     std::memset(&s, -1, sizeof s);
     for (const auto ask : {iw_freq_channel, iw_bitrates, iw_essid, iw_txpower}) EXPECT_EQ(ask(&s, "r"), 0);

@@ -23,6 +23,8 @@
 using namespace test;
 namespace tool = devfacts::tool;
 
+constexpr char description[] = "/etc/product", settings[] = "/tmp/system.cfg";
+
 static void say(const auto &...values) { ((std::cout << values << " "), ...) << "\n"; }
 
 static auto with(tool::exit_status (*command)(char **), std::vector<std::string> arguments) {
@@ -92,16 +94,42 @@ static void collect_values() {
   say(list.count), keyval_destroy(&list);
 }
 
-static void send_and_receive() {
-  const int fd = socket_input_init("/s");
-  for (const char *path : {"/s", "/none"}) say("sent", socket_write(path, 2, path));
+// What a file gives that is written over and over, with the configuration store's part in it.
+static auto answers_of(const char *path, auto open, auto close, auto context, auto get) {
+  const auto ask = [=](const char *file, const char *key) {
+    write_file(path, file);
+    const int opened = open();
+    const char *value = get(key);
+    std::cout << asked(), say(opened, value == nullptr ? "(none)" : value, context() == nullptr ? "closed" : "open");
+  };
+  return [=] {
+    ask("no entry\n", "a.b");
+    for (const char *key : {"a.b", "none", "%n%s"}) ask("a.b=1\n", key);
+    for (int i = 0; i < 2; ++i) close();
+    ask("a.b=2\nproduct.name=\n", "a.b");
+  };
+}
+
+static void receive(int fd) {
   fd_set set;
   FD_ZERO(&set);
-  for (int i = 0; i < 2 && fd >= 0; ++i) {
-    FD_SET(fd, &set), say("received");
-    socket_read(fd, &set, [](const void *payload, uint32_t length) { return say(shown(payload, length)), 0; });
-  }
+  if (fd >= 0) FD_SET(fd, &set);
+  if (fd >= 0) socket_read(fd, &set, [](const void *bytes, uint32_t length) { return say(shown(bytes, length)), 0; });
   std::cout << logged();
+}
+
+// To a receiver that is there, that is gone, and that is back.
+static void send_and_receive() {
+  const auto send = [](const std::string &text, const char *path) {
+    say("sent", socket_write(text.data(), static_cast<uint32_t>(text.size()), path));
+  };
+  for (const char *text : {"first", "second"}) {
+    const int fd = socket_input_init("/s");
+    send(text, "/s"), send("to the same", "/none");
+    for (int i = 0; i < 2; ++i) say("received:"), receive(fd);
+    socket_input_shutdown(fd, "/s");
+    for (const char *path : {"/s", "/none"}) send("lost", path), receive(-1);
+  }
 }
 
 constexpr char file[] = "/var/cfg/.eeprom", flash[] = "/dev/mtdblock0";
@@ -134,12 +162,15 @@ const operation operations[] = {
     {"values", {}, collect_values, {}},
     {"interfaces", answer_dumps, with(tool::net, {}), {}},
     {"queries", {}, driven(query_driver), {}},
-    {"wireless", [] { write_file("/etc/product", radios); }, driven(with(tool::wireless, {"radio0"})), {}},
+    {"wireless", [] { write_file(description, radios); }, driven(with(tool::wireless, {"radio0"})), {}},
     {"peers", {}, with(tool::peers, {}), {}},
     {"link", {}, driven(ask_about_link), {}},
     {"capabilities", {}, [] { say(product_caps_get() != nullptr); }, with(tool::product, {})},
-    {"identity", {}, with(tool::product, {"product.name"}), {}},
-    {"configuration", {}, with(tool::config, {"a.b"}), {}},
+    {"identity",
+     {},
+     answers_of(description, prod_spec_open, prod_spec_close, prod_spec_get_ctx, prod_spec_get),
+     [] { say(product_name()); }},
+    {"configuration", {}, answers_of(settings, sysconf_open, sysconf_close, sysconf_get_ctx, sysconf_get), {}},
     {"messages", {}, send_and_receive, {}},
     {"messages_over_many", use_up_descriptors, send_and_receive, {}},
     {"records_in_a_file", stored_in(file, 4096), print_records, {}},
@@ -185,7 +216,7 @@ constexpr fault faults_of_calls[] = {
 // What an operation prints and leaves when the n-th of its calls fails; with 0 none does, and the calls are noted.
 static std::string outcome(const operation &operation, const fault &fault, int nth) {
   return run([&] {
-    write_file("/etc/product", product);
+    write_file(description, product);
     if (operation.prepare) operation.prepare();
     const int before = open_descriptors();
     fail(fault.calls, nth, fault.error), operation.ask();

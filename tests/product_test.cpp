@@ -57,32 +57,6 @@ TEST(store, files_add_up_and_one_that_is_refused_changes_nothing) {
   });
 }
 
-// What a file that is written over and over gives, with the store's part in it.
-void print_answers(const std::string &path, auto open, auto close, auto context, auto get) {
-  const auto ask = [&](const char *file, const char *key) {
-    write_file(path, file);
-    const int opened = open();
-    const std::string value = text(get(key)), there = context() == nullptr ? "closed" : "open";
-    std::printf("%s%d %s %s\n", asked().c_str(), opened, value.c_str(), there.c_str());
-  };
-  ask("no entry\n", "a.b");
-  for (const char *key : {"a.b", "none", "%n%s"}) ask("a.b=1\n", key);
-  for (int i = 0; i < 2; ++i) close();
-  ask("a.b=2\nproduct.name=\n", "a.b");
-}
-
-TEST(handles, open_once_and_try_again_after_failures) {
-  const auto ask_both = [] {
-    print_answers("/etc/product", prod_spec_open, prod_spec_close, prod_spec_get_ctx, prod_spec_get);
-    EXPECT_STREQ(product_name(), "");
-    EXPECT_EQ(sysconf_open(), -1);  // no file at all
-    print_answers("/tmp/system.cfg", sysconf_open, sysconf_close, sysconf_get_ctx, sysconf_get);
-    prod_spec_close(), sysconf_close();
-    EXPECT_EQ(live_blocks(), 0);
-  };
-  on_device(ask_both, data("answers") + "||0");
-}
-
 // Each file, with none in front, is read into buffers of these lengths to the byte, for the sanitizer.
 TEST(identity, lines_go_into_buffers_of_any_length_or_not_at_all) {
   const auto read_all = [files = rows("lines.files")] {

@@ -95,10 +95,13 @@ int open_block_device(const char *device) {
   return open(path, O_RDWR);
 }
 
-// Are there blocks of the file system behind all these bytes? Where it does not know its holes, the number of blocks
-// says whether there can be any.
+// Are there blocks of the file system behind all these bytes? One that does not know its holes says that the first is
+// the file's end; then the number of blocks tells whether there can be any.
 bool is_allocated(int fd, const file_facts &file, off_t offset, off_t count) {
-  return file.blocks * 512 >= static_cast<uint64_t>(count) && lseek(fd, offset, SEEK_HOLE) >= offset + count;
+  const off_t hole = lseek(fd, offset, SEEK_HOLE);
+  if (hole < offset + count) return false;
+  const auto end = static_cast<uint64_t>(hole);
+  return end < file.size || file.blocks * 512 >= end;
 }
 
 // Only a definite lack of room refuses: where none can be reserved there may yet be enough.

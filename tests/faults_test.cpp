@@ -17,6 +17,7 @@
 #include <regex>
 #include <sstream>
 
+#include "store/record_table.h"
 #include "support/driver.h"
 #include "tools/command.h"
 
@@ -88,6 +89,15 @@ static void copy_texts() {
   for (void *each : copies) say(each != nullptr), test_free(each);
 }
 
+static void replace_record() {
+  const void *payload = nullptr;
+  uint32_t count = 0;
+  for (const char *each : {"old", "new"}) {
+    say(eeprom_update(5, each, 4)), eeprom_get(5, &payload, &count);
+    say(shown(payload, 4), count, devfacts::eeprom_table.capacity);
+  }
+}
+
 static void collect_values() {
   keyval_list list{};
   keyvalue("/f", nullptr, &list);
@@ -142,7 +152,7 @@ static auto stored_in(const std::string &path, off_t place) {
     eeprom_write(), eeprom_free();
     std::ifstream stream(path, std::ios::binary);
     const std::string image = std::string(std::istreambuf_iterator<char>(stream), {}).substr(4096, 1000);
-    write_file(path, "");
+    write_file(path, ""), chmod(path.c_str(), 0600);
     std::ofstream(path, std::ios::in | std::ios::binary).seekp(place) << image;
   };
 }
@@ -173,7 +183,9 @@ const operation operations[] = {
     {"configuration", {}, answers_of(settings, sysconf_open, sysconf_close, sysconf_get_ctx, sysconf_get), {}},
     {"messages", {}, send_and_receive, {}},
     {"messages_over_many", use_up_descriptors, send_and_receive, {}},
+    {"table", {}, replace_record, {}},
     {"records_in_a_file", stored_in(file, 4096), print_records, {}},
+    {"records_from_a_file", stored_in(file, 0), with(tool::records, {"import", file, "--write"}), print_records},
     {"records_into_a_file", stored_in(file, 4096), set_record, print_records},
     {"records_into_a_hole", stored_in(file, 16384), set_record, print_records},
     {"records_into_flash", stored_in(flash, 4096), set_record, print_records},

@@ -3,7 +3,8 @@
  * partition or a file.
  *
  * The table is process-wide and without a lock, and so is the store: use them from one thread, and from one process at
- * a time. Nothing here ends the process. Payloads are bytes; what a record holds is between the programs that share it.
+ * a time. Nothing here ends the process, unless it may not write files of 64 KiB (see "The store" below). Payloads are
+ * bytes; what a record holds is between the programs that share it.
  *
  *   eeprom_init();                        the table as it was stored
  *   eeprom_get(5, &data, &count);         a look at a record
@@ -31,7 +32,8 @@ typedef struct eeprom_record {
 } eeprom_record;
 
 /**
- * Takes one record of a walk. It belongs to the table and is good until that record is replaced or deleted.
+ * Takes one record of a walk. It belongs to the table and is good until that record is replaced or deleted, or
+ * eeprom_free().
  *
  * @return anything: eeprom_for_each() does not look at it.
  */
@@ -57,7 +59,7 @@ DEVFACTS_API int eeprom_update(int32_t id, const void *data, uint32_t size);
  *
  * @param id 0 to 35. Records of other ids are for eeprom_for_each() alone.
  * @param data_out always written: the payload, which belongs to the table and is good until the record is replaced or
- *        deleted; null where there is no such record.
+ *        deleted, or eeprom_free(); null where there is no such record.
  * @param count_out always written: the whole elements in it, a remainder left out; 0 where there is no such record.
  * @return 1 where there is at least one element; 0 otherwise, with the payload all the same where there is a record.
  */
@@ -103,20 +105,22 @@ DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
  *
  * The store is searched for an image of 17 to 65535 bytes at every multiple of 16 bytes, and the first that loads whole
  * is the last that is looked at. Of a damaged one in front of it the records before the damage are in the table, too,
- * where the good one has none of that id.
+ * where the good one has none of that id; but none of an image that the end of the store cuts short, or whose header is
+ * bad.
  *
  * The slots and records that the table held are forgotten, not released: eeprom_free() comes first, where it is not the
  * first call.
  *
  * @return 0 if an image was loaded whole; -1 if not: no memory for the slots (the table has none then), no store, no
- * image in it (the table is empty, and can be filled and written), or only damaged ones. About 70 KiB of stack are
+ * image in it (the table is empty, and can be filled and written), or only damaged ones. About 80 KiB of stack are
  * used.
  */
 DEVFACTS_API int eeprom_init(void);
 
 /**
  * Merges the image at the start of a file into the table, over the records of the same ids. The file must begin with
- * the image, of at most 65536 bytes; of a damaged one the records before the damage are taken.
+ * the image, of at most 65536 bytes; of a damaged one the records before the damage are taken, but none of one that the
+ * end of the file cuts short, or whose header is bad. The image's length of stack is used.
  *
  * @param path the file. If it cannot be opened, "cannot open '%s' file, %s\n" goes to standard error, with the path and
  *        the errno text. Other failures are silent.
@@ -133,8 +137,8 @@ DEVFACTS_API void eeprom_read(const char *path);
  * - an image that the store has no room for (61440 bytes in the file; what the partition has behind byte 4096) or that
  * is longer than 65535 bytes, which eeprom_init() would not find: 16 bytes, and each record's length up to a multiple
  * of 4;
- * - a file on a full file system, which has promised room that it does not have, and a store that cannot be read or
- * mapped.
+ * - a file on a full file system that has promised room which it does not have, as far as its holes or the number of
+ * its blocks tell, and a store that cannot be read or mapped.
  *
  * It returns when the bytes are on the medium (msync() with MS_SYNC), unless that failed.
  */

@@ -1,3 +1,5 @@
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -44,19 +46,13 @@ void test::leave() {
   _exit(testing::Test::HasFailure() ? 99 : 0);
 }
 
-std::string test::run_on_device(const std::function<void()> &body) {
-  char root[] = "/tmp/devfacts-XXXXXX";
-  mkdtemp(root);
-  const std::string end = run([&] {
-    ASSERT_EQ(chroot(root) + chdir("/"), 0);
+void test::on_device(const std::function<void()> &body, const std::string &end) {
+  expect_run(end, [&] {
+    ASSERT_EQ(unshare(CLONE_NEWNS) + mount("", "/tmp", "tmpfs", 0, "") + chroot("/tmp") + chdir("/"), 0);
     body();
     leave();
   });
-  std::filesystem::remove_all(root);
-  return end;
 }
-
-void test::on_device(const std::function<void()> &body, const std::string &end) { EXPECT_EQ(run_on_device(body), end); }
 
 void test::interrupt_every(int microseconds) {
   struct sigaction action {};

@@ -24,8 +24,7 @@ void expect_run(const std::string &end, const std::function<void()> &body);
 // Ends a body at once: without /proc the leak checker could not look. Blocks of the library are counted in the cases.
 [[noreturn]] void leave();
 
-// The same on a device of its own, the root changed to a folder that holds just what the body writes there.
-std::string run_on_device(const std::function<void()> &body);
+// The same on a device of its own, whose root holds just what the body writes there.
 void on_device(const std::function<void()> &body, const std::string &end = "||0");
 
 // A timer interrupts every call that waits, again and again.

@@ -61,7 +61,7 @@ static void ask_about_link() {
   const int result = eth_info(&status, "eth0");
   say(result, status.speed, +status.duplex, +status.link, status.supported, shown(status.perm_addr, 6));
   const int read = eth_perm_addr(status.perm_addr, "eth0");
-  say(read, shown(status.perm_addr, 6)), say(eth_capable("eth0"), eth_capable("eth1"));
+  say(read, shown(status.perm_addr, 6)), say(eth_capable("eth0")), say(eth_capable("eth1"));
 }
 
 static void answer_dumps() {

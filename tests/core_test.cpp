@@ -1,7 +1,5 @@
 #include <devfacts/core.h>
 #include <devfacts/net.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <cstring>
 
@@ -11,17 +9,6 @@ using namespace test;
 
 TEST(core, die_prints_its_text_alone_and_flushes) {
   expect_run("pending|answer is 42|1", [] { std::printf("pending"), die("%s is %d", "answer", 42); });
-}
-
-TEST(core, there_is_one_control_socket_until_it_is_closed) {
-  expect_run("||0", [] {
-    close(STDIN_FILENO);  // number 0 is free, and counts as open
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(ioctl_socket(), 0);
-    ioctl_close();
-    EXPECT_EQ(open("/dev/null", O_RDONLY), 0);
-    ioctl_close();
-    EXPECT_NE(ioctl_socket(), 0);
-  });
 }
 
 TEST(core, white_space_is_cut_at_the_ends_only) {

@@ -4,7 +4,6 @@
 
 #include "product/cfg_store.h"
 #include "support/test.h"
-#include "tools/command.h"
 
 using namespace test;
 
@@ -86,33 +85,17 @@ TEST(identity, the_chip_is_the_first_of_the_table_that_the_version_names) {
   }
 }
 
-// The whole document, and what the store was asked for it.
-void print_document(const std::string &file) {
-  char *no_key = nullptr;
-  write_file("/etc/product", file), prod_spec_close();
-  devfacts::tool::product(&no_key);
-  std::printf("%s", asked().c_str());
-}
-
-TEST(capabilities, every_key_is_read_once_in_order_and_lands_in_its_field) {
-  const auto load = [file = data("product")] {
-    write_file("/etc/serial-no", "12<34\n"), write_file("/usr/lib/version", "v1.rt3052\n");
-    for (const std::string &each : {std::string("no entry\n"), file, std::string("product.name=new\n")})
-      print_document(each);
-    EXPECT_EQ(product_caps_get(), &product_caps);
-  };
-  on_device(load, data("product.documents") + "|devfacts: cannot load the product description\n|0");
-}
-
 TEST(capabilities, what_is_absent_is_all_zero) {
-  const auto load = [] {
+  const auto load = [file = data("product.bare")] {
     EXPECT_STREQ(product_name(), "product");  // and the file is not looked for again in the name of the product
-    print_document("a.b=\nradio.0.frequency.0.range=1-2\nled.lan.0.devname=x\nled.rssi.0.names=x\nled.rssi.1.devname=");
+    write_file("/etc/product", file);
+    EXPECT_EQ(product_caps_get(), &product_caps);
     const auto &[devname, name] = *product_caps.led_rssi;
     EXPECT_EQ(text(devname.value) + text(name.value) + std::to_string(devname.present - name.present), "(none)1");
     product_caps_t rest = product_caps;
     rest.loaded = rest.led_rssi_count = 0, rest.led_rssi = nullptr;
     EXPECT_EQ(shown(&rest, sizeof rest), std::string(sizeof rest, '.'));
+    std::printf("%s", asked().c_str());
   };
   on_device(load, data("product.absent") + "||0");
 }

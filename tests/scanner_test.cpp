@@ -48,20 +48,6 @@ TEST(scanner, first_matches_are_32_bits_wide_or_a_copy) {
   }
 }
 
-TEST(scanner, values_are_collected) {
-  const auto collect = [before = reinterpret_cast<keyval_entry *>(8)] {
-    write_file("/f", "x=0\na.1=one\n a.2 = two \nb=3\na.3:\na.4\na.5=five");
-    keyval_list list{before, 77};
-    keyvalue("/missing", nullptr, &list), keyval_destroy(&list);
-    EXPECT_TRUE(list.count == 0 && list.rows == before);
-    keyvalue("/f", "a", &list), keyvalue("/f", nullptr, nullptr);
-    for (int i = 0; i < list.count; ++i) std::printf("%s%u|", list.rows[i].value, list.rows[i].length);
-    for (int i = 0; i < 2; ++i) keyval_destroy(&list), keyval_destroy(nullptr);
-    EXPECT_TRUE(list.count == 0 && list.rows == nullptr && live_blocks() == 0);
-  };
-  on_device(collect, "one3|two3|0|||0");
-}
-
 TEST(scanner, hardware_addresses) {
   for (const auto &row : rows("addresses")) {
     uint8_t a[7] = {0xee, 0xee, 0xee, 0xee, 0xee, 0xee, 0xee};

@@ -69,6 +69,13 @@ static void answer_dumps() {
                    done(), address(7, AF_INET, addresses), done()});
 }
 
+// As a program may that walks over the kernel's messages itself.
+static void collect_alone() {
+  std::string message = link(9, 0, attribute(IFLA_IFNAME, "ra<1"));
+  nl_collect_interface(reinterpret_cast<nlmsghdr *>(message.data()));
+  say(ifi_find_by_index(9)->master), ifi_free_all();
+}
+
 static void set_flags() {
   const int fd = open("/f", O_WRONLY | O_APPEND), before = fcntl(fd, F_GETFL);
   for (const auto set : {set_coe, set_nio, set_bio}) {
@@ -179,7 +186,7 @@ const operation operations[] = {
     {"control", {}, use_control_socket, {}},
     {"copies", {}, copy_texts, {}},
     {"values", {}, collect_values, {}},
-    {"interfaces", answer_dumps, with(tool::net, {}), {}},
+    {"interfaces", answer_dumps, with(tool::net, {}), collect_alone},
     {"queries", {}, driven(query_driver), {}},
     {"wireless", [] { write_file(description, radios); }, driven(with(tool::wireless, {"radio0"})), {}},
     {"peers", {}, with(tool::peers, {}), {}},

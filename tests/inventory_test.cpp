@@ -21,12 +21,6 @@ void each_interface(void (*look)(const ifi_entry &)) {
   }
 }
 
-// A folder of the kernel's that holds what the commands write there.
-void fill_parents(const std::string &commands) {
-  unshare(CLONE_NEWNS), mount("none", "/proc/sys/net", "tmpfs", 0, nullptr);
-  shell("cd /proc/sys/net; " + commands);
-}
-
 TEST(inventory, is_what_ip_says_in_several_datagrams) {
   shell(R"(for i in $(seq 150); do echo link add v$i type veth peer name w$i; done | ip -batch -; ip -batch interfaces
     ip link add link first name first.5 type vlan id 5 2>/dev/null || true  # not every kernel has it)");
@@ -54,30 +48,16 @@ TEST(inventory, is_a_cache_until_it_is_freed) {
   });
 }
 
-TEST(inventory, parents_come_from_files_where_the_kernel_gives_no_link) {
-  const auto print_masters = [] {
-    hush_where_emulated();
-    fill_parents(R"(mkdir lo ra1 ra2 ra3 ra4; printf 'lo' >lo/%parent; printf 'lo \t\nra2' >ra1/%parent
-                    printf nobody >ra2/%parent; >ra3/%parent; printf '  \nlo' >ra4/%parent)");
-    ifi_get_all();
-    std::string outside = link(9, 0, attribute(IFLA_IFNAME, "ra1"));  // a program may collect by itself
-    nl_collect_interface(reinterpret_cast<nlmsghdr *>(outside.data()));
-    each_interface([](const ifi_entry &entry) { std::printf("%d ", entry.master); });
-  };
-  expect_run("1 1 ||0", print_masters);
-  shell("for i in 0 1 2 3 4; do ip link add ra$i type bridge; done");
-  expect_run("1 0 1 0 0 0 1 ||0", print_masters);
-}
-
 TEST(inventory, parent_names_are_the_first_line_of_their_file) {
-  fill_parents("mkdir a b c; printf 12345678901234567890 >a/%parent; printf ' \\nra0' >b/%parent; >c/%parent");
-  char parent[17] = "kept";
-  std::string seen, long_name(500, 'x');
-  EXPECT_EQ(iw_parent_name("a", parent, 0), -1);
-  for (const char *name : {static_cast<const char *>(nullptr), "c", "d", long_name.c_str(), "b", "a"}) {
-    seen += std::to_string(iw_parent_name(name, parent, sizeof parent)) + parent + " ";
-  }
-  EXPECT_EQ(seen, "-1kept -1kept -1kept -1kept 0 01234567890123456 ");
+  const auto ask = [long_name = std::string(500, 'x')] {
+    write_file("/proc/sys/net/a/%parent", "12345678901234567890");
+    write_file("/proc/sys/net/b/%parent", " \nra0"), write_file("/proc/sys/net/c/%parent", "");
+    char parent[17] = "kept";
+    EXPECT_EQ(iw_parent_name("a", parent, 0), -1);
+    for (const char *name : {static_cast<const char *>(nullptr), "c", "d", long_name.c_str(), "b", "a"})
+      std::printf("%d%s ", iw_parent_name(name, parent, sizeof parent), parent);
+  };
+  on_device(ask, "-1kept -1kept -1kept -1kept 0 01234567890123456 ||0");
 }
 
 void print_interface(const ifi_entry &entry) {

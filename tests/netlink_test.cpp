@@ -91,9 +91,8 @@ TEST(netlink, opening_fills_the_handle) {
   memset(&handle, 0xff, sizeof handle);
   const auto before = static_cast<uint32_t>(time(nullptr));
   nl_open(&handle, NETLINK_ROUTE, RTMGRP_LINK);
-  EXPECT_TRUE(handle.local.nl_groups == RTMGRP_LINK && handle.local.nl_pid != 0);
+  EXPECT_EQ(listed(handle.local.nl_groups, handle.local.nl_pid != 0, handle.seq - before <= 1, handle.dump), "1 1 1 0");
   EXPECT_EQ(bytes_of(handle.peer), std::string(12, '\0'));
-  EXPECT_TRUE(handle.seq - before <= 1 && handle.dump == 0);
   nl_close(&handle);
   EXPECT_EQ(handle.fd, -1);
 }

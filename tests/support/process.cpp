@@ -95,12 +95,18 @@ std::vector<std::vector<std::string>> test::rows(const std::string &name) {
   std::vector<std::vector<std::string>> cells(1, {""});
   const std::string text = data(name);
   for (size_t i = 0; i + 1 < text.size(); ++i) {
+    std::string &cell = cells.back().back();
     if (text[i] == '\n') {
       cells.push_back({""});
     } else if (text[i] == '|') {
       cells.back().emplace_back();
+    } else if (text[i] != '\\') {
+      cell += text[i];
+    } else if (std::isdigit(text[++i]) != 0) {
+      const size_t digits = text.find_first_not_of("0123456789", i) - i;
+      cell.append(std::stoul(text.substr(i, digits)), text[i + digits]), i += digits;
     } else {
-      cells.back().back() += text[i] != '\\' ? text[i] : text[++i] == 'n' ? '\n' : '\t';
+      cell += text[i] == 'n' ? '\n' : '\t';
     }
   }
   return cells;

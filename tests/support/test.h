@@ -40,7 +40,7 @@ void write_file(const std::string &path, const std::string &text);
 std::string shell(const std::string &command);
 std::string data(const std::string &name);
 
-// The lines of a file there, each cut at its "|"; "\n" in them is a newline, "\t" a tab.
+// The lines of a file there, each cut at its "|"; "\n" in them is a newline, "\t" a tab, "\9x" nine times x.
 std::vector<std::vector<std::string>> rows(const std::string &name);
 
 // The bytes, each NUL as a dot; "-" for null.

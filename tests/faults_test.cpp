@@ -101,6 +101,14 @@ static void copy_texts() {
   for (void *each : copies) say(each != nullptr), test_free(each);
 }
 
+static void load_capabilities() {
+  say(product_caps_get() == &product_caps);
+  if (product_caps.radio_count == 0) return;
+  const auto &[text, number, truth] =
+      std::tie(product_caps.name, product_caps.radios->antenna_gain, product_caps.radios->ignore_crr);
+  say(listed(product_caps.loaded, text.present, number.present, truth.present));
+}
+
 static void replace_record() {
   const void *payload = nullptr;
   uint32_t count = 0;
@@ -108,6 +116,7 @@ static void replace_record() {
     say(eeprom_update(5, each, 4)), eeprom_get(5, &payload, &count);
     say(shown(payload, 4), count, devfacts::eeprom_table.capacity);
   }
+  say(eeprom_init()), say(devfacts::eeprom_table.capacity);  // forgets the record and its slots
 }
 
 static void collect_values() {
@@ -191,7 +200,7 @@ const operation operations[] = {
     {"wireless", [] { write_file(description, radios); }, driven(with(tool::wireless, {"radio0"})), {}},
     {"peers", {}, with(tool::peers, {}), {}},
     {"link", {}, driven(ask_about_link), {}},
-    {"capabilities", {}, [] { say(product_caps_get() == &product_caps); }, driven(with(tool::product, {}))},
+    {"capabilities", {}, load_capabilities, driven(with(tool::product, {}))},
     {"identity",
      {},
      answers_of(description, prod_spec_open, prod_spec_close, prod_spec_get_ctx, prod_spec_get),

@@ -104,10 +104,10 @@ TEST(crafted_dump, every_field_and_what_is_missing) {
 }
 
 TEST(crafted_dump, owners_are_those_that_a_search_finds) {
-  const std::pair<std::vector<int>, std::string> rows[] = {{{5, 3, 9, 3, 65536 + 5}, "xxx-x"},
-                                                           {{5, 3, 9, 65536 + 6}, "xxx-"}};
+  const std::pair<std::vector<int>, std::string> rows[] = {{{5, 31, 9, 31, 65536 + 5}, "xxx-x"},
+                                                           {{5, 31, 9, 65536 + 6}, "xxx-"}};
   std::string addresses;
-  for (const uint32_t index : {9, 3, 5, 4, 65536 + 5, 65536 + 9}) addresses += address(index, AF_INET, "");
+  for (const uint32_t index : {9, 31, 5, 4, 65536 + 5, 65536 + 9}) addresses += address(index, AF_INET, "");
   const auto print_owner = [](const ifi_entry &entry) { std::printf(entry.addrs.next != &entry.addrs ? "x" : "-"); };
   for (const auto &[indices, owners] : rows) {
     for (const int others : {0, 28, 100}) {  // before and behind; the many have a table, unless memory for it is out

@@ -91,7 +91,7 @@ TEST(capabilities, what_is_absent_is_all_zero) {
     write_file("/etc/product", file);
     EXPECT_EQ(product_caps_get(), &product_caps);
     const auto &[devname, name] = *product_caps.led_rssi;
-    EXPECT_EQ(text(devname.value) + text(name.value) + std::to_string(devname.present - name.present), "(none)1");
+    EXPECT_EQ(text(devname.value) + text(name.value) + listed(devname.present, name.present), "(none)1 0");
     product_caps_t rest = product_caps;
     rest.loaded = rest.led_rssi_count = 0, rest.led_rssi = nullptr;
     EXPECT_EQ(shown(&rest, sizeof rest), std::string(sizeof rest, '.'));

@@ -153,11 +153,15 @@ int test_ioctl(int fd, unsigned long number, void *record) {
   return driver ? driver(number, record) : ioctl(fd, number, record);
 }
 
-FILE *test_fopen64(const char *path, const char *mode) { return strikes("fopen") ? nullptr : fopen(path, mode); }
+FILE *test_fopen64(const char *path, const char *mode) {
+  return strikes(std::strchr(mode, 'e') != nullptr ? "fopen" : "fopen_inherited") ? nullptr : fopen(path, mode);
+}
 
 void test_exit(int status) { std::fflush(nullptr), _exit(status); }
 
-int test_open64(const char *path, int flags, mode_t mode) { return strikes("open") ? -1 : open(path, flags, mode); }
+int test_open64(const char *path, int flags, mode_t mode) {
+  return strikes((flags & O_CLOEXEC) != 0 ? "open" : "open_inherited") ? -1 : open(path, flags, mode);
+}
 }
 
 void test::fail(const std::string &calls, int nth, int error) { armed = {" " + calls + " ", "", error, nth}; }

@@ -29,16 +29,17 @@ const char *test_cfg_get(cfg_handle store, const char *key, int index) {
 }
 
 const char *test_cfg_get_value(cfg_handle store, int zero, const char *key) {
-  return test::strikes("cfg_get_value") ? nullptr : cfg_get_value(store, zero, noted("string ", key));
+  return test::strikes("cfg_get_value") ? nullptr
+                                        : cfg_get_value(store, zero, noted(zero == 0 ? "string " : "not 0: ", key));
 }
 
 uint32_t test_cfg_get_uint32_value(cfg_handle store, int zero, const char *key) {
-  return cfg_get_uint32_value(store, zero, noted("u32 ", key));
+  return cfg_get_uint32_value(store, zero, noted(zero == 0 ? "u32 " : "not 0: ", key));
 }
 
 // Another truth than the stand-in's, which has 1 alone.
 uint32_t test_cfg_get_bool_value(cfg_handle store, int zero, const char *key) {
-  return cfg_get_bool_value(store, zero, noted("bool ", key)) * 0x80000000U;
+  return cfg_get_bool_value(store, zero, noted(zero == 0 ? "bool " : "not 0: ", key)) * 0x80000000U;
 }
 
 cfg_iterator *test_cfg_create_index_iterator(cfg_handle store, const char *prefix, const char *suffix) {

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <set>
 #include <sstream>
 
 #include "store/record_table.h"
@@ -225,15 +226,21 @@ static int open_descriptors() {
   return count;
 }
 
-constexpr int most_shown = 5;
-
-static std::string lines_not_in(const std::string &other, const std::string &text, char mark) {
-  std::istringstream lines(text);
+// The lines of the text beyond those that the other one has, too.
+static std::string more_lines(const std::string &text, const std::string &other, char mark) {
+  constexpr int most_shown = 6;
+  std::istringstream lines(text), other_lines(other);
+  std::multiset<std::string> left;
   std::string found;
   int count = 0;
-  for (std::string line; std::getline(lines, line);)
-    if (("\n" + other + "\n").find("\n" + line + "\n") == other.npos && ++count <= most_shown)
+  for (std::string line; std::getline(other_lines, line);) left.insert(line);
+  for (std::string line; std::getline(lines, line);) {
+    if (const auto at = left.find(line); at != left.end()) {
+      left.erase(at);
+    } else if (++count <= most_shown) {
       found += mark + line + "\n";
+    }
+  }
   return count > most_shown ? found + mark + " and " + std::to_string(count - most_shown) + " more\n" : found;
 }
 
@@ -266,11 +273,6 @@ static std::string outcome(const operation &operation, const fault &fault, int n
   });
 }
 
-static std::string difference(const std::string &end, const std::string &whole) {
-  const bool is_whole = end.find("descriptors remain") != end.npos;
-  return is_whole ? lines_not_in(end, whole, '-') + lines_not_in(whole, end, '+') : end + "\n";
-}
-
 // Faults that cost the same are told together.
 static void sweep(const operation &operation, const fault &fault) {
   const std::string whole = outcome(operation, fault, 0);
@@ -279,7 +281,8 @@ static void sweep(const operation &operation, const fault &fault) {
   std::string name, faults, last;
   const auto tell = [&] { std::cout << "-- " << strerrorname_np(fault.error) << ":" << faults << "\n" << last; };
   for (int nth = 1; calls >> name; ++nth) {
-    const std::string cost = difference(outcome(operation, fault, nth), whole);
+    const std::string end = outcome(operation, fault, nth);
+    const std::string cost = more_lines(whole, end, '-') + more_lines(end, whole, '+');
     if (nth > 1 && cost != last) tell(), faults.clear();
     faults.append(" ").append(std::to_string(nth)).append(".").append(name), last = cost;
   }
@@ -288,7 +291,7 @@ static void sweep(const operation &operation, const fault &fault) {
 
 class faults : public testing::TestWithParam<operation> {};
 
-// What the operation does, and what is different, or all there is, with each fault.
+// What the operation does, and what is different with each fault.
 TEST_P(faults, cost_what_they_must) {
   product = data("product"), radios = data("radios");
   const auto body = [files = rows("device"), peers = data("peers"), catalogue = data("catalogue.po")] {

@@ -159,6 +159,7 @@ static void send_and_receive() {
   const auto send = [](const std::string &text, const char *path) {
     say("sent", socket_write(text.data(), static_cast<uint32_t>(text.size()), path));
   };
+  say("sent", socket_write(nullptr, 1, "/s"), socket_write("", 0, "/s")), receive(-1);
   for (const char *text : {"first", "second"}) {
     const int fd = socket_input_init("/s");
     send(text, "/s"), send("to the same", "/none");

@@ -93,13 +93,23 @@ static void use_control_socket() {
   ioctl_close(), say(ioctl_socket() > 0, fcntl(STDIN_FILENO, F_GETFD));
 }
 
-static void copy_texts() {
-  std::string value = attribute(1, "ab");
-  const auto *bytes = reinterpret_cast<const rtattr *>(value.data());
+static void copy_payloads() {
+  const std::string text = attribute(1, "ab");
+  const std::vector<char> room(text.begin(), text.begin() + 6);  // the sanitizer watches its end
+  const auto *payload = reinterpret_cast<const rtattr *>(room.data());
+  char bytes[3] = "??";
+  say(nla_data(payload) == room.data() + 4, nla_memcpy(bytes, payload, 2) == bytes, bytes, nla_length(payload));
+  say(nla_get_u32(payload) == (big_endian ? 0x61620000U : 0x6261U));
   first_match_string slot{};
-  __return_first_match_in_string(&slot, nullptr, value.data());
-  void *copies[] = {nla_memdup(bytes), nla_strdup(bytes), escape_xml("<", nullptr), slot.value};
-  for (void *each : copies) say(each != nullptr), test_free(each);
+  __return_first_match_in_string(&slot, nullptr, bytes);
+  void *copy = nla_memdup(payload);
+  say(shown(copy, 2)), test_free(copy);
+  for (char *each : {nla_strdup(payload), escape_xml("<", nullptr), slot.value})
+    say(each == nullptr ? "-" : each), test_free(each);
+  for (const uint16_t claimed : {4, 3, 0}) {
+    const rtattr empty{claimed, 1};
+    say(nla_memdup(&empty) == nullptr, nla_length(&empty));
+  }
 }
 
 static void load_capabilities() {
@@ -195,7 +205,7 @@ struct operation {
 const operation operations[] = {
     {"flags", {}, set_flags, {}},
     {"control", {}, use_control_socket, {}},
-    {"copies", {}, copy_texts, {}},
+    {"copies", {}, copy_payloads, {}},
     {"values", {}, collect_values, {}},
     {"interfaces", answer_dumps, with(tool::net, {}), collect_alone},
     {"queries", {}, driven(query_driver), {}},

@@ -113,20 +113,3 @@ TEST(attributes, the_walk_stays_inside_the_block) {
     EXPECT_EQ(run([&] { print_places(crafted(row[3], attribute)); }), row[1] + "|" + row[2] + "|0") << row[0];
   }
 }
-
-TEST(attributes, payloads_are_copied_within_their_length) {
-  const std::string bytes = attribute(1, "ab");
-  const std::vector<char> block(bytes.begin(), bytes.begin() + 6);
-  const auto *attribute = reinterpret_cast<const rtattr *>(block.data());
-  EXPECT_EQ(nla_data(attribute), block.data() + 4);
-  char room[3] = "??", *copy = static_cast<char *>(nla_memdup(attribute)), *text = nla_strdup(attribute);
-  EXPECT_EQ(nla_memcpy(room, attribute, 2), room);
-  for (const char *each : {copy, text, room}) EXPECT_STREQ(each, "ab");
-  free(copy), free(text);
-  EXPECT_EQ(nla_get_u32(attribute), big_endian ? 0x61620000U : 0x6261U);
-  for (const uint16_t claimed : {4, 3, 0}) {
-    const rtattr empty{claimed, 1};
-    EXPECT_EQ(nla_memdup(&empty), nullptr) << claimed;
-    EXPECT_EQ(nla_length(&empty), claimed - 4);
-  }
-}

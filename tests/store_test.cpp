@@ -3,7 +3,6 @@
 #include <devfacts/store.h>
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -284,43 +283,6 @@ TEST(eeprom, an_image_that_does_not_fit_is_not_written) {
         EXPECT_TRUE(data(store) == wanted) << end << " " << size;
       }
     });
-  }
-}
-
-TEST(eeprom, a_file_is_brought_to_its_size_and_mode) {
-  on_device([] {
-    for (const size_t size : {0U, 9U, 70000U}) {
-      write_file(path, std::string(size, '-')), umask(077), chmod(path, 0600);
-      if (size == 0) remove(path), eeprom_write();
-      EXPECT_EQ(access(path, F_OK), size == 0 ? -1 : 0);
-      EXPECT_EQ(init(), -1);
-      struct stat status;
-      EXPECT_TRUE(stat(path, &status) == 0 && (status.st_mode & 07777) == 0644);
-      EXPECT_EQ(data(path), sized(std::string(std::min(size, whole), '-')));
-    }
-  });
-}
-
-// Each row: what stands in the way, and the words of it.
-TEST(eeprom, stores_that_are_in_the_way_or_full_are_left_alone) {
-  const std::pair<std::function<int()>, std::string> rows[] = {
-      {[] { return rmdir("/var/cfg"); }, ""},
-      {[] { return write_file("/var/cfg", "no folder"), 0; }, ""},
-      {[] { return symlink("/none/x", path); }, "open() failed: No such file or directory\n"},
-      {[] { return mount("", "/var/cfg", "tmpfs", MS_RDONLY, ""); }, "open() failed: Read-only file system\n"},
-      {[] { return mount("", "/var/cfg", "tmpfs", 0, "size=8k"); }, ""},
-  };
-  for (const auto &[prepare, words] : rows) {
-    const auto body = [prepare = prepare] {
-      mkdir("/var", 0755), mkdir("/var/cfg", 0755);
-      EXPECT_EQ(prepare(), 0);
-      EXPECT_EQ(init(), -1);
-      EXPECT_EQ(devfacts::eeprom_table.capacity, 35U);
-      fail("posix_fallocate", 1, EINTR);
-      put(1, std::string(9000, 'a')), eeprom_write(), init();
-      EXPECT_EQ(table(), records());
-    };
-    on_device(body, "|" + words + words + words + "|0");
   }
 }
 

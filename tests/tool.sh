@@ -3,6 +3,7 @@
 # and its status if that is not 0, must be what stands below it. tool.sh COMMAND... runs the tool.
 set -uo pipefail
 tool=("$@") source=$(cd "$(dirname "$0")/.." && pwd) work=$(mktemp -d)
+data=$source/tests/data
 trap 'rm -rf "$work"' EXIT
 devfacts() {
   local status=0
@@ -17,5 +18,5 @@ while IFS= read -r line; do
     '$ '*) echo "$line"; eval "${line#??}" 2>&1 </dev/null || echo "[$?]" ;;
     '' | '#'*) echo "$line" ;;
   esac
-done <"$source/tests/data/session" >answers
-diff "$source/tests/data/session" answers
+done <"$data/session" >answers
+diff "$data/session" answers

@@ -76,15 +76,6 @@ void test::write_file(const std::string &path, const std::string &text) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
-// Where there is none, as on a bare board, the case ends by a signal that tells so.
-std::string test::shell(const std::string &command) {
-  if (access("/bin/sh", X_OK) != 0) kill(0, SIGUSR1);
-  FILE *pipe = popen(("set -e; " + command).c_str(), "r");
-  const std::string text = rest_of(pipe);
-  EXPECT_EQ(pclose(pipe), 0) << command;
-  return text;
-}
-
 std::string test::data(const std::string &name) {
   std::ifstream file(name, std::ios::binary);
   EXPECT_TRUE(file.is_open()) << name;

@@ -36,11 +36,10 @@ void use_up_descriptors();
 // Puts a file in the place of whatever stood there; folders on the way are made.
 void write_file(const std::string &path, const std::string &text);
 
-// What the shell command prints, in tests/data; the test fails where the command does.
-std::string shell(const std::string &command);
+// What a file holds; names without a path are those of tests/data.
 std::string data(const std::string &name);
 
-// The lines of a file there, each cut at its "|"; "\n" in them is a newline, "\t" a tab, "\9x" nine times x.
+// The lines of such a file, each cut at its "|"; "\n" in them is a newline, "\t" a tab, "\9x" nine times x.
 std::vector<std::vector<std::string>> rows(const std::string &name);
 
 // The bytes, each NUL as a dot; "-" for null.

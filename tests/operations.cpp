@@ -1,0 +1,220 @@
+#include "operations.h"
+
+#include <devfacts/core.h>
+#include <devfacts/ethernet.h>
+#include <devfacts/net.h>
+#include <devfacts/product.h>
+#include <devfacts/store.h>
+#include <devfacts/transport.h>
+#include <devfacts/wireless.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+
+#include "store/record_table.h"
+#include "support/driver.h"
+#include "tools/command.h"
+
+using namespace test;
+namespace tool = devfacts::tool;
+
+constexpr char file[] = "/var/cfg/.eeprom", flash[] = "/dev/mtdblock0";
+
+static void say(const auto &...values) { ((std::cout << values << " "), ...) << "\n"; }
+
+static auto with(tool::exit_status (*command)(char **), std::vector<std::string> arguments) {
+  return [=]() mutable {
+    std::vector<char *> pointers;
+    for (std::string &each : arguments) pointers.push_back(each.data());
+    pointers.push_back(nullptr);
+    say("status", command(pointers.data()));
+  };
+}
+
+// With a driver, and what this and the configuration store were asked.
+static auto driven(const std::function<void()> &ask) {
+  return [=] {
+    const driver device;
+    ask(), std::cout << device.log << asked();
+  };
+}
+
+static void query_driver() {
+  int nth = 0;
+  for (const auto ask : {iw_ieee_name, iw_essid, iw_operation_mode, iw_freq_channel, iw_ap_addr, iw_current_bit_rate,
+                         iw_bitrates, iw_rssi, iw_encoding_flags, iw_txpower}) {
+    iw_status status;
+    std::memset(&status, 0x5a, sizeof status);
+    const int result = ask(&status, "radio0");
+    const std::string bytes = bytes_of(status);
+    say(++nth, result, "and changed bytes:", bytes.size() - std::count(bytes.begin(), bytes.end(), 0x5a));
+  }
+}
+
+static void ask_about_link() {
+  eth_status status;
+  const int result = eth_info(&status, "eth0");
+  say(result, status.speed, +status.duplex, +status.link, status.supported, shown(status.perm_addr, 6));
+  const int read = eth_perm_addr(status.perm_addr, "eth0");
+  say(read, shown(status.perm_addr, 6)), say(eth_capable("eth0")), say(eth_capable("eth1"));
+}
+
+static void answer_dumps() {
+  const std::string addresses = attribute(IFA_ADDRESS, "abcd") + attribute(IFA_BROADCAST, "efgh");
+  receive_instead({full_link + link(8, 0, attribute(IFLA_IFNAME, "ra<1")) + link(9, 0, attribute(IFLA_IFNAME, "ra2")),
+                   done(), address(7, AF_INET, addresses), done()});
+}
+
+// As a program may that walks over the kernel's messages itself.
+static void collect_alone() {
+  std::string message = link(9, 0, attribute(IFLA_IFNAME, "ra<1"));
+  nl_collect_interface(reinterpret_cast<nlmsghdr *>(message.data()));
+  say(ifi_find_by_index(9)->master), ifi_free_all();
+}
+
+static void set_flags() {
+  const int fd = open("/f", O_WRONLY | O_APPEND), before = fcntl(fd, F_GETFL);
+  for (const auto set : {set_coe, set_nio, set_bio}) {
+    const int result = set(fd), changed = fcntl(fd, F_GETFL) ^ before;
+    say(result, fcntl(fd, F_GETFD), changed == O_NONBLOCK ? "non-blocking" : changed == 0 ? "as before" : "other");
+  }
+  close(fd);
+}
+
+static void use_control_socket() {
+  close(STDIN_FILENO);  // number 0 is free, and counts as open
+  for (int i = 0; i < 2; ++i) say(ioctl_socket());
+  ioctl_close(), say(open("/f", O_RDONLY));
+  ioctl_close(), say(ioctl_socket() > 0, fcntl(STDIN_FILENO, F_GETFD));
+}
+
+static void copy_payloads() {
+  const std::string text = attribute(1, "ab");
+  const std::vector<char> room(text.begin(), text.begin() + 6);  // the sanitizer watches its end
+  const auto *payload = reinterpret_cast<const rtattr *>(room.data());
+  char bytes[3] = "??";
+  say(nla_data(payload) == room.data() + 4, nla_memcpy(bytes, payload, 2) == bytes, bytes, nla_length(payload));
+  say(nla_get_u32(payload) == (big_endian ? 0x61620000U : 0x6261U));
+  first_match_string slot{};
+  __return_first_match_in_string(&slot, nullptr, bytes);
+  void *copy = nla_memdup(payload);
+  say(shown(copy, 2)), test_free(copy);
+  for (char *each : {nla_strdup(payload), escape_xml("<", nullptr), slot.value})
+    say(each == nullptr ? "-" : each), test_free(each);
+  for (const uint16_t claimed : {4, 3, 0}) {
+    const rtattr empty{claimed, 1};
+    say(nla_memdup(&empty) == nullptr, nla_length(&empty));
+  }
+}
+
+static void load_capabilities() {
+  say(product_caps_get() == &product_caps);
+  if (product_caps.radio_count == 0) return;
+  const auto &[text, number, truth] =
+      std::tie(product_caps.name, product_caps.radios->antenna_gain, product_caps.radios->ignore_crr);
+  say(listed(product_caps.loaded, text.present, number.present, truth.present));
+}
+
+static void replace_record() {
+  const void *payload = nullptr;
+  uint32_t count = 0;
+  for (const char *each : {"old", "new"}) {
+    say(eeprom_update(5, each, 4)), eeprom_get(5, &payload, &count);
+    say(shown(payload, 4), count, devfacts::eeprom_table.capacity);
+  }
+  say(eeprom_init()), say(devfacts::eeprom_table.capacity);  // forgets the record and its slots
+}
+
+static void collect_values() {
+  keyval_list list{reinterpret_cast<keyval_entry *>(8), 77};
+  keyvalue("/missing", nullptr, &list), keyval_destroy(&list);
+  say(list.count, list.rows == reinterpret_cast<keyval_entry *>(8));
+  keyvalue("/f", "a", &list), keyvalue("/f", nullptr, nullptr);
+  for (int i = 0; i < list.count; ++i) say(list.rows[i].value, list.rows[i].length);
+  for (int i = 0; i < 2; ++i) keyval_destroy(&list), keyval_destroy(nullptr);
+  say(list.count, list.rows == nullptr);
+}
+
+// What a file gives that is written over and over, with the configuration store's part in it.
+static auto answers_of(const char *path, auto open, auto close, auto context, auto get) {
+  const auto ask = [=](const char *file, const char *key) {
+    write_file(path, file);
+    const int opened = open();
+    const char *value = get(key);
+    std::cout << asked(), say(opened, value == nullptr ? "(none)" : value, context() == nullptr ? "closed" : "open");
+  };
+  return [=] {
+    ask("no entry\n", "a.b");
+    for (const char *key : {"a.b", "none", "%n%s"}) ask("a.b=1\n", key);
+    for (int i = 0; i < 2; ++i) close();
+    ask("a.b=2\nproduct.name=\n", "a.b");
+  };
+}
+
+static void receive(int fd) {
+  fd_set set;
+  FD_ZERO(&set);
+  if (fd >= 0) FD_SET(fd, &set);
+  if (fd >= 0) socket_read(fd, &set, [](const void *bytes, uint32_t length) { return say(shown(bytes, length)), 0; });
+  std::cout << logged();
+}
+
+// To a receiver that is there, that is gone, and that is back.
+static void send_and_receive() {
+  const auto send = [](const std::string &text, const char *path) {
+    say("sent", socket_write(text.data(), static_cast<uint32_t>(text.size()), path));
+  };
+  say("sent", socket_write(nullptr, 1, "/s"), socket_write("", 0, "/s")), receive(-1);
+  for (const char *text : {"first", "second"}) {
+    const int fd = socket_input_init("/s");
+    send(text, "/s"), send("to the same", "/none");
+    for (int i = 0; i < 2; ++i) say("received:"), receive(fd);
+    socket_input_shutdown(fd, "/s");
+    for (const char *path : {"/s", "/none"}) send("lost", path), receive(-1);
+  }
+}
+
+// The store, with its image at this place behind a hole: the only partition if that is there, or else a file.
+static auto stored_in(const std::string &path, off_t place) {
+  return [=] {
+    std::remove(flash), write_file(path, std::string(65536, '\0'));
+    for (const int id : {1, 2, 90}) eeprom_update(id, "old", 3);
+    eeprom_write(), eeprom_free();
+    const std::string image = data(path).substr(4096, 1000);
+    write_file(path, ""), chmod(path.c_str(), 0600);
+    std::ofstream(path, std::ios::in | std::ios::binary).seekp(place) << image;
+  };
+}
+
+const auto ask_description =
+    answers_of("/etc/product", prod_spec_open, prod_spec_close, prod_spec_get_ctx, prod_spec_get);
+const auto ask_settings = answers_of("/tmp/system.cfg", sysconf_open, sysconf_close, sysconf_get_ctx, sysconf_get);
+const auto print_records = with(tool::records, {}), set_record = with(tool::records, {"set", "1", "6e6577", "--write"});
+
+const std::vector<operation> test::operations = {
+    {"flags", {}, set_flags, {}},
+    {"control", {}, use_control_socket, {}},
+    {"copies", {}, copy_payloads, {}},
+    {"values", {}, collect_values, {}},
+    {"interfaces", answer_dumps, with(tool::net, {}), collect_alone},
+    {"queries", {}, driven(query_driver), {}},
+    {"wireless", [] { write_file("/etc/product", data("/radios")); }, driven(with(tool::wireless, {"radio0"})), {}},
+    {"peers", {}, with(tool::peers, {}), {}},
+    {"link", {}, driven(ask_about_link), {}},
+    {"capabilities", {}, load_capabilities, driven(with(tool::product, {}))},
+    {"identity", {}, ask_description, [] { say(product_name()); }},
+    {"configuration", {}, ask_settings, {}},
+    {"messages", {}, send_and_receive, {}},
+    {"messages_over_many", use_up_descriptors, send_and_receive, {}},
+    {"table", {}, replace_record, {}},
+    {"records_in_a_file", stored_in(file, 4096), print_records, {}},
+    {"records_from_a_file", stored_in(file, 0), with(tool::records, {"import", file, "--write"}), print_records},
+    {"records_into_a_file", stored_in(file, 4096), set_record, print_records},
+    {"records_into_a_hole", stored_in(file, 16384), set_record, print_records},
+    {"records_into_flash", stored_in(flash, 4096), set_record, print_records},
+    {"text", {}, with(tool::translate, {"/po", "c", "plain"}), {}},
+};

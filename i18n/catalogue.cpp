@@ -61,16 +61,16 @@ int set_po_access_path(const char *catalogue, const char *base_dir) {
   char language[text_size];
   if (!file || !read_line(language, file.get())) return -1;
   *std::find_if(language, language + std::strlen(language), is_space) = '\0';
-  const int length = std::snprintf(po_access_path, text_size, "%s/%s/%s.po", base_dir, language, catalogue);
-  return length < 0 ? -1 : 0;  // a longer path is cut
+  std::snprintf(po_access_path, text_size, "%s/%s/%s.po", base_dir, language, catalogue);  // a longer path is cut
+  return 0;
 }
 
 char *gettext(const char *msgid) noexcept {
   const int error = errno;
-  const size_t length = strnlen(msgid, text_size - 1);
-  std::memmove(gettext_result, msgid, length);  // it may lie in an earlier result
-  gettext_result[length] = '\0';
-  translate_result();
+  const size_t length = strnlen(msgid, text_size), kept = std::min(length, text_size - 1);
+  std::memmove(gettext_result, msgid, kept);  // it may lie in an earlier result
+  gettext_result[kept] = '\0';
+  if (length == kept) translate_result();  // no line has room for one that was cut
   errno = error;
   return gettext_result;
 }

@@ -37,12 +37,16 @@ TEST(gettext, its_result_lasts_until_the_next_call_and_may_be_its_argument) {
     EXPECT_EQ(gettext(id), result);
     EXPECT_STREQ(gettext(result), "of a result");
     EXPECT_STREQ(gettext(gettext("no first") + 3), "of a result");
-    write_file("/po/de/c.po", entry(id, "at once"));
-    EXPECT_STREQ(gettext(id), "at once");
-    remove("/po/de/c.po");
-    errno = 7;
-    EXPECT_STREQ(gettext(id), id);
-    EXPECT_EQ(errno, 7);
+    std::string lines;
+    while (lines.size() < 5000) lines += "msgid \"";  // whose start is a line that the cut id would have
+    write_file("/po/de/c.po", entry(id, "at once") + lines.substr(0, 4095) + "msgstr \"lost\"");
+    EXPECT_EQ(gettext(lines.c_str()), lines.substr(0, 4095));
+    for (const char *translation : {"at once", id}) {
+      errno = 7;
+      EXPECT_STREQ(gettext(id), translation);
+      EXPECT_EQ(errno, 7);
+      remove("/po/de/c.po");
+    }
   });
 }
 
@@ -58,6 +62,8 @@ TEST(set_po_access_path, takes_the_first_word_of_the_first_line) {
     std::string folder = "//po";
     while (folder.size() + sizeof "/de/c" < 4096) folder += "/.";
     EXPECT_EQ(set_po_access_path("c", folder.c_str()), 0);
+    remove("/etc/lang");
+    EXPECT_EQ(set_po_access_path("c", "/po"), -1);
     EXPECT_STREQ(gettext("who"), "cut");
   });
 }

@@ -169,11 +169,12 @@ static void send_and_receive() {
     say("sent", socket_write(text.data(), static_cast<uint32_t>(text.size()), path));
   };
   say("sent", socket_write(nullptr, 1, "/s"), socket_write("", 0, "/s")), receive(-1);
-  for (const char *text : {"first", "second"}) {
+  for (const char *text : {"first", "second", "last"}) {
     const int fd = socket_input_init("/s");
     send(text, "/s"), send("to the same", "/none");
     for (int i = 0; i < 2; ++i) say("received:"), receive(fd);
     socket_input_shutdown(fd, "/s");
+    if (text == std::string("last")) break;  // the connection stays
     for (const char *path : {"/s", "/none"}) send("lost", path), receive(-1);
   }
 }

@@ -57,22 +57,26 @@ TEST(receiver, what_it_makes_of_datagrams) {
 TEST(receiver, looks_only_at_the_bytes_received_and_at_what_is_in_the_set) {
   for (const uint32_t size : {0U, 1U, 3U, 4U, 5U}) {
     const std::vector<char> unaligned(size + 1, '\0');  // the sanitizer watches its end
-    uint32_t length = 7;
-    EXPECT_EQ(socket_input_extract(&unaligned[1], size, &length), nullptr);
-    EXPECT_EQ(length, 0U);
-    EXPECT_EQ(socket_input_extract(nullptr, size, &length), nullptr);
+    for (const char *datagram : {static_cast<const char *>(nullptr), &unaligned[1]}) {
+      uint32_t length = 7;
+      EXPECT_EQ(socket_input_extract(datagram, size, &length), nullptr);
+      EXPECT_EQ(length, 0U);
+    }
   }
   fail("recv", 1, EIO);
   for (const auto &[fd, in_set] : {std::pair{5, 6}, {-1, 63}, {FD_SETSIZE, 0}, {100000, 0}}) drained(fd, in_set);
   EXPECT_EQ(calls_seen(), "");
+  EXPECT_EQ(socket_input_read_single(-1, nullptr, 0), 0);
+  EXPECT_EQ(logged(), "EIO 4 Failed recieving data from the socket\n");
 }
 
 // One path is taken over and given back; others that are refused stay as they are.
 TEST(transport, paths) {
   const std::string path = "/" + std::string(106, 'p'), too_long = path + "p";
   const auto body = [=] {
-    write_file(path, ""), write_file(too_long, "");
+    write_file(path, ""), write_file(too_long, ""), close(STDIN_FILENO);
     const int fd = socket_input_init(path.c_str());
+    EXPECT_EQ(fd, STDIN_FILENO);
     EXPECT_EQ(socket_input_init(too_long.c_str()) + socket_input_init("/none/s"), -2);
     EXPECT_EQ(logged(), "ENAMETOOLONG 1 Cannot create '" + too_long + "' UNIX socket.\n" +
                             "ENOENT 1 Cannot create '/none/s' UNIX socket.\n");

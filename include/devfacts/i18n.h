@@ -29,12 +29,13 @@ DEVFACTS_BEGIN_DECLS
 DEVFACTS_API int set_po_access_path(const char *catalogue, const char *base_dir);
 
 /**
- * Translates a text: the translation on the line behind the first line that is just `msgid "ID"`.
+ * Translates a text: the first line that is just `msgid "ID"`, up to its first carriage return, is its entry, and on
+ * the line behind it stands `msgstr "TRANSLATION"`, with anything in front and behind.
  *
  * Bytes mean themselves: an escape is no escape, so that a translation ends at its first double quote, and its
- * backslashes stay. Carriage returns at the end of a line are cut. An entry that continues on further lines, plural
- * forms and contexts are not understood; a translation that is empty on its line is the empty text. Lines count up to
- * 4095 characters, what is behind them as a line of its own.
+ * backslashes stay. An entry that continues on further lines, plural forms and contexts are not understood; a
+ * translation that is empty on its line is the empty text. Lines count up to 4095 characters, what is behind them as a
+ * line of its own, so that a line whose id has 4088 characters needs no closing quote, and a longer id has no entry.
  *
  * A program that includes libintl.h, too, in either order, calls this function: it has the C library's own declaration,
  * and takes its place in the whole process, for libraries that call it by its name as well. The C library's texts of

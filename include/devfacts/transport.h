@@ -5,8 +5,9 @@
  * A receiver holds no state beyond its descriptor, so that several can be served; the sender has one connection in the
  * whole process. Use each receiver, and the sender, from one thread at a time.
  *
- * Failures go to the system's log, with a level: 1 where a socket cannot be made or written, 2 for corrupted input, 4
- * where receiving fails. No call ends the process, and errno is not kept.
+ * Failures go to the logging library, with a level: 1 where a receiver's name cannot be given to it, and where a
+ * message cannot be made or sent, 2 for corrupted input, 4 where receiving fails; those of connecting go to standard
+ * error, and a socket that cannot be had is not reported. No call ends the process, and errno is not kept.
  */
 #ifndef DEVFACTS_TRANSPORT_H
 #define DEVFACTS_TRANSPORT_H
@@ -87,12 +88,13 @@ DEVFACTS_API const void *socket_input_extract(const void *buffer, uint32_t size,
 /* ---- The sender ---- */
 
 /**
- * Sends one message. The first call connects, and the connection stays open for the process and its children, until a
- * message meets an error that is neither an interruption nor a full queue, such as a receiver that has gone: the next
- * call then connects anew. While it is open, the path does not count. Nobody but the library may close its descriptor.
+ * Sends one message. The first call connects, and the connection stays open for the process and its children, until
+ * sending (not the wait for it) meets an error that is neither an interruption nor a full queue, such as a receiver
+ * that has gone: the next call then connects anew. While it is open, the path does not count. Nobody but the library
+ * may close its descriptor.
  *
- * The call waits at most 2 seconds for room in the receiver's queue. A message that failed is lost: nothing is sent
- * again. No signal is raised.
+ * The call waits at most 2 seconds for room in the receiver's queue, with select(), or with poll() where its descriptor
+ * is FD_SETSIZE or above. A message that failed is lost: nothing is sent again. No signal is raised.
  *
  * @param data the payload, which is copied.
  * @param size its bytes; a receiver of this library takes up to 1596.

@@ -77,7 +77,9 @@ void test_free(void *block) {
 
 #define FAULTY(result, call, parameters, ...) \
   result test_##call parameters { return strikes(#call) ? given<result>() : call(__VA_ARGS__); }
-FAULTY(int, socket, (int domain, int type, int protocol), domain, type, protocol)
+int test_socket(int domain, int type, int protocol) {
+  return strikes((type & SOCK_CLOEXEC) != 0 ? "socket" : "socket_inherited") ? -1 : socket(domain, type, protocol);
+}
 FAULTY(int, setsockopt, (int fd, int level, int option, const void *value, socklen_t size), fd, level, option, value,
        size)
 FAULTY(int, connect, (int fd, const sockaddr *address, socklen_t size), fd, address, size)

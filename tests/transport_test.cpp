@@ -81,6 +81,8 @@ TEST(transport, paths) {
     EXPECT_EQ(logged(), "ENAMETOOLONG 1 Cannot create '" + too_long + "' UNIX socket.\n" +
                             "ENOENT 1 Cannot create '/none/s' UNIX socket.\n");
     EXPECT_EQ(write_text("lost", too_long) + write_text("hello", path), 0);
+    fail("recv", 1, EIO);
+    EXPECT_EQ(drained(fd), "EIO 4 Failed recieving data from the socket\n");
     EXPECT_EQ(drained(fd), "hello ");
     socket_input_shutdown(-1, path.c_str()), socket_input_shutdown(fd, nullptr);
     EXPECT_TRUE(access(path.c_str(), F_OK) == 0 && fcntl(fd, F_GETFL) == O_RDWR);
@@ -88,6 +90,12 @@ TEST(transport, paths) {
     EXPECT_TRUE(access(path.c_str(), F_OK) == -1 && fcntl(fd, F_GETFL) == -1 && access(too_long.c_str(), F_OK) == 0);
   };
   on_device(body, "|Socket write error: File name too long\n|0");
+}
+
+TEST(sender, a_size_that_does_not_fit_beside_its_head_is_not_asked_for) {
+  fail("allocation", 1, ENOMEM);
+  EXPECT_EQ(socket_write("x", UINT32_MAX - 3, "/s"), -1);
+  EXPECT_EQ(calls_seen(), sizeof(size_t) == 4 ? "" : "allocation ");
 }
 
 TEST(sender, waits_two_seconds_for_room_and_keeps_the_connection) {

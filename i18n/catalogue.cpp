@@ -61,8 +61,9 @@ int set_po_access_path(const char *catalogue, const char *base_dir) {
   char language[text_size];
   if (!file || !read_line(language, file.get())) return -1;
   *std::find_if(language, language + std::strlen(language), is_space) = '\0';
-  std::snprintf(po_access_path, text_size, "%s/%s/%s.po", base_dir, language, catalogue);  // a longer path is cut
-  return 0;
+  // A longer path is cut; what no path has room for is not even looked at.
+  constexpr char form[] = "%.4095s/%s/%.4095s.po";
+  return std::snprintf(po_access_path, text_size, form, base_dir, language, catalogue) > 0 ? 0 : -1;
 }
 
 char *gettext(const char *msgid) noexcept {

@@ -57,6 +57,7 @@ constexpr fault faults_of_calls[] = {
 // What an operation prints and leaves when the n-th of its calls fails; with 0 none does, and the calls are noted.
 static std::string outcome(const operation &operation, const fault &fault, int nth) {
   return run([&] {
+    close(STDIN_FILENO);  // number 0 is free, and counts as open
     write_file("/etc/product", data("/product"));
     if (operation.prepare) operation.prepare();
     const int before = open_descriptors();

@@ -29,6 +29,7 @@ static struct {
   off_t place = -1;
   bool cuts = false;
 } bad;
+static size_t most_read = SIZE_MAX;
 
 // Upside down, so that a leak checker does not take it for a pointer.
 static uintptr_t hidden(void *block) { return ~reinterpret_cast<uintptr_t>(block); }
@@ -104,8 +105,13 @@ FAULTY64(off_t, lseek, (int fd, off_t offset, int from), fd, offset, from)
 FAULTY64(int, stat, (const char *path, struct stat *status), path, status)
 FAULTY(int, statx, (int at, const char *path, int flags, unsigned mask, struct statx *facts), at, path, flags, mask,
        facts)
-FAULTY64(int, fstat, (int fd, struct stat *status), fd, status)
 FAULTY64(int, ftruncate, (int fd, off_t size), fd, size)
+
+int test_fstat64(int fd, struct stat *status) {
+  const int result = strikes("fstat") ? -1 : fstat(fd, status);
+  if (most_read != SIZE_MAX) status->st_size = 0;
+  return result;
+}
 
 int test_posix_fallocate64(int fd, off_t offset, off_t size) {
   return strikes("posix_fallocate") ? armed.error : posix_fallocate(fd, offset, size);
@@ -121,7 +127,7 @@ ssize_t test_pread64(int fd, void *bytes, size_t size, off_t offset) {
 
 ssize_t test_read(int fd, void *bytes, size_t size) {
   if (strikes("read")) return given<ssize_t>();
-  if (bad.place < 0) return read(fd, bytes, size);
+  if (bad.place < 0) return read(fd, bytes, std::min(size, most_read));
   const ssize_t count = test_pread64(fd, bytes, size, lseek(fd, 0, SEEK_CUR));
   if (count > 0) lseek(fd, count, SEEK_CUR);
   return count;
@@ -188,5 +194,7 @@ void test::drive(const std::function<int(unsigned long, void *)> &answer) { driv
 void test::on_mapping(const std::function<void(void *, size_t)> &look) { mapped = look; }
 
 void test::break_store(off_t place, bool cuts) { bad = {place, cuts}; }
+
+void test::read_at_most(size_t count) { most_read = count; }
 
 void test::receive_instead(const std::vector<std::string> &datagrams) { canned = datagrams; }

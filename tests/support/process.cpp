@@ -65,8 +65,8 @@ void test::interrupt_every(int microseconds) {
 void test::use_up_descriptors() {
   const rlimit limit{2000, 2000};
   setrlimit(RLIMIT_NOFILE, &limit);
-  const int first = dup(0);
-  while (dup(0) < FD_SETSIZE) continue;
+  const int first = dup(STDOUT_FILENO);
+  while (dup(STDOUT_FILENO) < FD_SETSIZE) continue;
   close(first);
 }
 

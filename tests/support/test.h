@@ -84,6 +84,9 @@ void on_mapping(const std::function<void(void *, size_t)> &look);
 // The library's read and pread of this place and what lies behind it fail, or give what lies in front; -1 ends that.
 void break_store(off_t place, bool cuts);
 
+// Files are as those that the kernel makes up: they claim to be empty, and a read gives no more than this at once.
+void read_at_most(size_t count);
+
 // The library's recvmsg gives these datagrams, one a call, before it asks the kernel again.
 void receive_instead(const std::vector<std::string> &datagrams);
 

@@ -45,7 +45,7 @@ std::string receive(const std::vector<std::string> &datagrams, nl_callback callb
     int ends[2];
     nl_handle handle = handle_on(ends);
     for (const std::string &each : datagrams) send(ends[1], each.data(), each.size(), 0);
-    errno = 0;
+    errno = EAGAIN;  // of an earlier call
     nl_recv(&handle, callback);
     std::printf("end");
   });

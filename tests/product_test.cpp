@@ -50,6 +50,10 @@ TEST(store, files_add_up_and_one_that_is_refused_changes_nothing) {
     std::string many;
     for (int i = -10000; i < 10000; ++i)  // each key twice, of which the later counts
       many += "r." + std::to_string((i + 10000) * 7919 % 10000) + ".m=" + std::to_string(i) + "\n";
+    for (const int nth : {2, 9}) {
+      fail("allocation", nth, ENOMEM);
+      EXPECT_FALSE(load(store, many)) << nth;
+    }
     EXPECT_TRUE(load(store, many));
     for (int i = 0; i < 10000; ++i) EXPECT_EQ(std::stoi(cfg_get(store, "r.%d.m", i * 7919 % 10000)), i);
     cfg_destroy(store);

@@ -127,7 +127,9 @@ static void replace_record() {
     say(eeprom_update(5, each, 4)), eeprom_get(5, &payload, &count);
     say(shown(payload, 4), count, devfacts::eeprom_table.capacity);
   }
-  say(eeprom_init()), say(devfacts::eeprom_table.capacity);  // forgets the record and its slots
+  const devfacts::record_table forgotten = devfacts::eeprom_table;
+  say(eeprom_init()), say(devfacts::eeprom_table.capacity, live_blocks());
+  if (forgotten.slots != nullptr) test_free(forgotten.slots[5]), test_free(forgotten.slots);
 }
 
 static void collect_values() {

@@ -9,8 +9,10 @@
 #include <cstring>
 #include <ctime>
 
+#include "core/layout.h"
+
 static_assert(sizeof(sockaddr_nl) == 12 && sizeof(nlmsghdr) == 16 && sizeof(nlmsgerr) == 20);
-static_assert(sizeof(nl_handle) == 36);
+DEVFACTS_LAYOUT(nl_handle, 36, 36, .fd{}, .local{}, .peer{}, .seq{}, .dump{});
 
 namespace {
 

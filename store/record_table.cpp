@@ -5,13 +5,14 @@
 #include <cstring>
 #include <utility>
 
+#include "core/layout.h"
 #include "store/type_size.h"
 
 using namespace devfacts;
 
 constinit record_table devfacts::eeprom_table = {0, nullptr};
 
-static_assert(record_head_size == 4);
+DEVFACTS_LAYOUT(eeprom_record, 4, 4, .length{}, .id{});
 
 namespace {
 

@@ -9,17 +9,29 @@
 #include <memory>
 #include <utility>
 
+#include "core/layout.h"
 #include "core/owner.h"
 #include "product/capability_tables.h"
 #include "product/cfg_store.h"
+#include "product/product_file.h"
 
 using namespace devfacts;
 
-// Linking programs read these field by field; the sizes are those of the device and of a 64-bit host.
-static_assert(sizeof(caps_string) == 2 * sizeof(void *) && sizeof(caps_u32) == 8 && sizeof(caps_bool) == 8);
-static_assert(sizeof(caps_freq_range) == (sizeof(void *) == 4 ? 56 : 80));
-static_assert(sizeof(caps_radio) == (sizeof(void *) == 4 ? 104 : 136));
-static_assert(sizeof(product_caps_t) == (sizeof(void *) == 4 ? 124 : 232));
+DEVFACTS_LAYOUT(caps_string, 8, 16, .value{}, .present{});
+DEVFACTS_LAYOUT(caps_u32, 8, 8, .value{}, .present{});
+DEVFACTS_LAYOUT(caps_bool, 8, 8, .value{}, .present{});
+DEVFACTS_LAYOUT(caps_freq_range, 56, 80, .range{}, .low{}, .high{}, .max_eirp{}, .max_txpower{}, .max_width{},
+                .dfs_required{}, .range_limits{});
+DEVFACTS_LAYOUT(caps_radio, 104, 136, .master{}, .ieee_band{}, .allowed_modulations{}, .txpower_offset{},
+                .min_txpower{}, .antenna_gain{}, .ignore_crr{}, .cpe_fixed_channels{}, .frequency_offset{},
+                .range_count{}, .ranges{}, .band_edge_low{}, .band_edge_middle{}, .band_edge_high{});
+DEVFACTS_LAYOUT(caps_limit_freq, 40, 72, .frequency{}, .dfs_required{}, .max_txpower{}, .max_eirp{}, .allowed_widths{});
+DEVFACTS_LAYOUT(caps_limit_table, 16, 32, .table_name{}, .freq_count{}, .freqs{});
+DEVFACTS_LAYOUT(caps_led, 16, 32, .devname{}, .name{});
+DEVFACTS_LAYOUT(product_caps_t, 124, 232, .loaded{}, .id{}, .name{}, .hardware{}, .enterprise_name{}, .countrycode{},
+                .enterprise_oid{}, .radio_count{}, .radios{}, .limit_table_count{}, .limit_tables{}, .led_power_name{},
+                .led_blinkled_name{}, .led_lan_count{}, .led_lan{}, .led_rssi_count{}, .led_rssi{}, .protocol_name{},
+                .pppoe_filter_control{}, .arpnat_behind_dhcp_snooper{});
 
 // The slots that we call are the first, the second and the eighth.
 static_assert(offsetof(cfg_iterator, index) == sizeof(void *) && offsetof(cfg_iterator, value) == 7 * sizeof(void *));
@@ -44,9 +56,9 @@ struct key_text {
 
 void *at(void *record, size_t offset) { return static_cast<char *>(record) + offset; }
 
-// The getters find their slot all zero, which is an absent one. They leave its padding alone.
+// The getters are asked for keys that are there. They find their slot all zero, which is an absent one, and leave its
+// padding alone.
 void get_string(caps_string &slot, cfg_handle cfg, const char *key) {
-  if (cfg_key_exists(cfg, key) == 0) return;
   const char *text = cfg_get_value(cfg, 0, key);
   if (text == nullptr) return;
   const size_t size = std::strlen(text) + 1;
@@ -57,19 +69,18 @@ void get_string(caps_string &slot, cfg_handle cfg, const char *key) {
 }
 
 void get_u32(caps_u32 &slot, cfg_handle cfg, const char *key) {
-  if (cfg_key_exists(cfg, key) == 0) return;
   slot.value = cfg_get_uint32_value(cfg, 0, key);
   slot.present = 1;
 }
 
 void get_bool(caps_bool &slot, cfg_handle cfg, const char *key) {
-  if (cfg_key_exists(cfg, key) == 0) return;
   slot.value = cfg_get_bool_value(cfg, 0, key);
   slot.present = 1;
 }
 
 void get_field(void *record, const caps_field &field, cfg_handle cfg, const char *prefix) {
   const key_text key{"%s.%s", prefix, field.name};
+  if (cfg_key_exists(cfg, key.text) == 0) return;
   void *slot = at(record, field.offset);
   switch (field.type) {
     case slot_type::string: return get_string(*static_cast<caps_string *>(slot), cfg, key.text);
@@ -162,7 +173,7 @@ void load(cfg_handle cfg) {
 product_caps_t *product_caps_get() {
   if (product_caps.loaded == 0) {
     const unique_store store{cfg_create()};
-    if (store && cfg_read_file(store.get(), "/etc/product") >= 0) load(store.get());
+    if (store && cfg_read_file(store.get(), product_file) >= 0) load(store.get());
   }
   return product_caps.loaded == 1 ? &product_caps : nullptr;
 }

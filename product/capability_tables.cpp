@@ -96,26 +96,30 @@ void work_out_bounds(void *row) {
   range->high = moved(high, margin);
 }
 
-// The parts of a caps_list that depend on where its owner keeps it.
-#define ROWS(owner, count, rows, row) sizeof(row), offsetof(owner, count), offsetof(owner, rows)
+// Where an owner keeps a list, and what its rows are.
+#define ROWS(owner, count, rows, row) \
+  .row_size = sizeof(row), .count_at = offsetof(owner, count), .rows_at = offsetof(owner, rows)
 
-constexpr caps_list ranges{
-    "range", ROWS(caps_radio, range_count, ranges, caps_freq_range), range_fields, work_out_bounds, nullptr, nullptr};
-constexpr caps_list radios{
-    "master", ROWS(product_caps_t, radio_count, radios, caps_radio), radio_fields, nullptr, "frequency", &ranges};
-constexpr caps_list limit_freqs{"frequency",       ROWS(caps_limit_table, freq_count, freqs, caps_limit_freq),
-                                limit_freq_fields, nullptr,
-                                nullptr,           nullptr};
-constexpr caps_list limit_tables{"table-name",
+constexpr caps_list ranges{.suffix = "range",
+                           ROWS(caps_radio, range_count, ranges, caps_freq_range),
+                           .fields = range_fields,
+                           .finish = work_out_bounds};
+constexpr caps_list radios{.suffix = "master",
+                           ROWS(product_caps_t, radio_count, radios, caps_radio),
+                           .fields = radio_fields,
+                           .inner_name = "frequency",
+                           .inner = &ranges};
+constexpr caps_list limit_freqs{
+    .suffix = "frequency", ROWS(caps_limit_table, freq_count, freqs, caps_limit_freq), .fields = limit_freq_fields};
+constexpr caps_list limit_tables{.suffix = "table-name",
                                  ROWS(product_caps_t, limit_table_count, limit_tables, caps_limit_table),
-                                 limit_table_fields,
-                                 nullptr,
-                                 "table",
-                                 &limit_freqs};
+                                 .fields = limit_table_fields,
+                                 .inner_name = "table",
+                                 .inner = &limit_freqs};
 constexpr caps_list led_lan{
-    "name", ROWS(product_caps_t, led_lan_count, led_lan, caps_led), led_lan_fields, nullptr, nullptr, nullptr};
+    .suffix = "name", ROWS(product_caps_t, led_lan_count, led_lan, caps_led), .fields = led_lan_fields};
 constexpr caps_list led_rssi{
-    "devname", ROWS(product_caps_t, led_rssi_count, led_rssi, caps_led), led_rssi_fields, nullptr, nullptr, nullptr};
+    .suffix = "devname", ROWS(product_caps_t, led_rssi_count, led_rssi, caps_led), .fields = led_rssi_fields};
 
 #undef ROWS
 

@@ -25,9 +25,9 @@ struct caps_list {
   uint16_t count_at;
   uint16_t rows_at;
   std::span<const caps_field> fields;
-  void (*finish)(void *row);  // null: nothing is left to do
-  const char *inner_name;     // of the list in each row; null: there is none
-  const caps_list *inner;
+  void (*finish)(void *row) = nullptr;  // what is left to do
+  const char *inner_name = nullptr;     // of the list in each row, if there is one
+  const caps_list *inner = nullptr;
 };
 
 // A part of the object: fields below a prefix, or a list.

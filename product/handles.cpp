@@ -6,8 +6,9 @@
 #include <utility>
 
 #include "product/cfg_store.h"
+#include "product/product_file.h"
 
-#define PRODUCT_FILE "/etc/product"
+using namespace devfacts;
 
 namespace {
 
@@ -49,11 +50,11 @@ const char *sysconf_get(const char *key) { return get(sysconf_get_ctx(), key); }
 int prod_spec_open() {
   if (prod_spec_handle != nullptr) return 0;
   if (prod_spec_missing != 0) return -1;
-  if (access(PRODUCT_FILE, R_OK) < 0) {
+  if (access(product_file, R_OK) < 0) {
     prod_spec_missing = 1;
     return -1;
   }
-  return open_file(prod_spec_handle, PRODUCT_FILE);
+  return open_file(prod_spec_handle, product_file);
 }
 
 void prod_spec_close() { close_file(prod_spec_handle); }

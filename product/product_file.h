@@ -1,0 +1,8 @@
+// Where the product description stands.
+#pragma once
+
+namespace devfacts {
+
+inline constexpr char product_file[] = "/etc/product";
+
+}  // namespace devfacts

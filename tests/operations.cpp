@@ -117,7 +117,7 @@ static void load_capabilities() {
   if (product_caps.radio_count == 0) return;
   const auto &[text, number, truth] =
       std::tie(product_caps.name, product_caps.radios->antenna_gain, product_caps.radios->ignore_crr);
-  say(listed(product_caps.loaded, text.present, number.present, truth.present));
+  say(listed(product_caps.loaded, text.present, number.present, truth.present, truth.value));
 }
 
 static void replace_record() {

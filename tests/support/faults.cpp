@@ -81,6 +81,9 @@ void test_free(void *block) {
 int test_socket(int domain, int type, int protocol) {
   return strikes((type & SOCK_CLOEXEC) != 0 ? "socket" : "socket_inherited") ? -1 : socket(domain, type, protocol);
 }
+int test_access(const char *path, int mode) {
+  return strikes(mode == R_OK ? "access" : "access_otherwise") ? -1 : access(path, mode);
+}
 FAULTY(int, setsockopt, (int fd, int level, int option, const void *value, socklen_t size), fd, level, option, value,
        size)
 FAULTY(int, connect, (int fd, const sockaddr *address, socklen_t size), fd, address, size)
@@ -88,7 +91,6 @@ FAULTY(ssize_t, recv, (int fd, void *bytes, size_t size, int flags), fd, bytes, 
 FAULTY(int, fcntl64, (int fd, int command, int flags), fd, command, flags)
 FAULTY(int, poll, (pollfd * slots, nfds_t count, int limit), slots, count, limit)
 FAULTY(int, select, (int count, fd_set *in, fd_set *out, fd_set *other, timeval *limit), count, in, out, other, limit)
-FAULTY(int, access, (const char *path, int mode), path, mode)
 FAULTY(int, unlink, (const char *path), path)
 FAULTY(int, shutdown, (int fd, int how), fd, how)
 FAULTY(FILE *, fdopen, (int fd, const char *mode), fd, mode)

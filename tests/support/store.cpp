@@ -18,7 +18,11 @@ cfg_handle test_cfg_create() { return noted("create", ""), test::strikes("cfg_cr
 
 void test_cfg_destroy(cfg_handle store) { noted("destroy", ""), cfg_destroy(store); }
 
-int test_cfg_read_file(cfg_handle store, const char *path) { return cfg_read_file(store, noted("read ", path)); }
+// Another success than the stand-in's, which has 0 alone.
+int test_cfg_read_file(cfg_handle store, const char *path) {
+  const int result = cfg_read_file(store, noted("read ", path));
+  return result < 0 ? result : 1;
+}
 
 int test_cfg_key_exists(cfg_handle store, const char *key, int index) {
   return cfg_key_exists(store, noted("exists ", key), index);

@@ -50,6 +50,7 @@ DEVFACTS_API void cfg_destroy(cfg_handle store);
  * @param store no iterator of it is in use.
  * @param path the file.
  * @return negative on failure (no such file, unreadable, malformed, no memory): the store holds what it held before.
+ * Anything else is success.
  */
 DEVFACTS_API int cfg_read_file(cfg_handle store, const char *path);
 

@@ -10,7 +10,7 @@
 namespace devfacts::tool {
 namespace {
 
-// The bytes of a line that count; longer serial numbers and versions are cut.
+// The bytes of a line that count; a longer version is cut.
 constexpr int line_size = 256;
 
 void print(const char *name, const caps_string &slot) { xml_str_esc_item(name, slot.value); }

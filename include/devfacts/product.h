@@ -15,7 +15,10 @@ DEVFACTS_BEGIN_DECLS
 
 /* ---- Configuration files ---- */
 
-/** A file in the configuration store, which is a library of its own: its cfg_ operations take such a handle. */
+/**
+ * A file in the configuration store, a library of the firmware with headers of its own: its cfg_ operations take such a
+ * handle.
+ */
 typedef struct cfg_store *cfg_handle;
 
 /**
@@ -107,7 +110,8 @@ DEVFACTS_API char *read_serial_no(char *buffer, uint32_t length);
  *
  * @param buffer room for the text, not null. A line that does not fit is cut.
  * @param length bytes in @p buffer. Below 1 gives null.
- * @return @p buffer; null where the file cannot be opened or read, or is empty, with nothing of use in @p buffer.
+ * @return @p buffer; null where the file cannot be opened or read, or is empty, with nothing of use in @p buffer. Where
+ * @p length is 1, a file that can be opened gives an empty text, whatever it holds.
  */
 DEVFACTS_API char *read_firmware_version(char *buffer, int length);
 
@@ -156,7 +160,7 @@ DEVFACTS_API const char *cpu_vendor(void);
 /** A text that may be absent. */
 typedef struct caps_string {
   char *value;     /**< the text, for reading only, good until the process ends; null where absent */
-  uint8_t present; /**< 1: there; 0: the key is not there, or there was no memory */
+  uint8_t present; /**< 1: there; 0: the store has no such key or no text for it, or there was no memory */
 } caps_string;
 
 /** A number that may be absent. */
@@ -171,9 +175,12 @@ typedef struct caps_bool {
   uint8_t present; /**< 1: the key is there; else 0 */
 } caps_bool;
 
-/** A frequency range of a radio: one for each index J of radio.I.frequency.J.range. */
+/**
+ * A frequency range of a radio: one for each index J of radio.I.frequency.J.range, whose text is "LOW-HIGH". Blanks may
+ * stand before and behind the dash, and anything behind HIGH. A figure that no int holds gives a bound of no use.
+ */
 typedef struct caps_freq_range {
-  caps_string range;        /**< range: "LOW-HIGH", unchanged; the figures are as the file gives them, usually MHz */
+  caps_string range;        /**< range: unchanged; the figures are as the file gives them, usually MHz */
   int32_t low;              /**< LOW - 10, in the unit of range; 0 where range is absent or of another form */
   int32_t high;             /**< HIGH + 10, likewise */
   caps_u32 max_eirp;        /**< max-eirp: as the file gives it */
@@ -223,7 +230,10 @@ typedef struct caps_led {
   caps_string name;    /**< name, in led.rssi rows names: of the LED or LEDs */
 } caps_led;
 
-/** What the product can do. Rows stand in the order of the walk through the file, without gaps. */
+/**
+ * What the product can do. Rows stand in the order in which the configuration store walks over their indices, without
+ * gaps; the index itself is not kept.
+ */
 typedef struct product_caps_t {
   int32_t loaded;                       /**< 1 once the file has been read, 0 before */
   caps_string id;                       /**< product.id */
@@ -262,6 +272,7 @@ DEVFACTS_API extern product_caps_t product_caps;
  * again.
  * Memory that runs out in a later step costs its own part alone: a text is absent, a list in which a row finds no room
  * is empty as a whole.
+ * While the first call runs, another thread may see an object that is partly filled: serialise it.
  */
 DEVFACTS_API product_caps_t *product_caps_get(void);
 

@@ -75,7 +75,7 @@ void with_dump(const std::string &links, const std::string &addresses, void (*lo
 }
 
 TEST(crafted_dump, every_field_and_what_is_missing) {
-  const std::string nameless = link(8, 0, attribute(IFLA_STATS, counters.substr(0, 4)));
+  const std::string nameless = link(8, ~1U, attribute(IFLA_STATS, counters.substr(0, 4)));
   const std::string bare = link(9, 0, attribute(IFLA_IFNAME, "no-nul") + attribute(IFLA_STATS, ""));
   const std::string addresses =
       address(8, AF_INET, attribute(IFA_LOCAL, "abcd")) +

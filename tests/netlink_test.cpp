@@ -93,6 +93,12 @@ TEST(netlink, opening_fills_the_handle) {
   nl_open(&handle, NETLINK_ROUTE, RTMGRP_LINK);
   EXPECT_EQ(listed(handle.local.nl_groups, handle.local.nl_pid != 0, handle.seq - before <= 1, handle.dump), "1 1 1 0");
   EXPECT_EQ(bytes_of(handle.peer), std::string(12, '\0'));
+  for (const auto &[option, wanted] : {std::pair{SO_SNDBUF, 65536}, {SO_RCVBUF, 65536}, {SO_TYPE, int{SOCK_RAW}}}) {
+    int value = 0;  // the kernel doubles the buffers
+    socklen_t size = sizeof value;
+    getsockopt(handle.fd, SOL_SOCKET, option, &value, &size);
+    EXPECT_EQ(value, wanted) << option;
+  }
   nl_close(&handle);
   EXPECT_EQ(handle.fd, -1);
 }

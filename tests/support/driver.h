@@ -62,7 +62,7 @@ struct driver {
         EXPECT_EQ(shown(values, 40), std::string(40, '.'));
         record.supported = 0x89abcdef, record.speed = 0x1234, record.speed_hi = 0xffff, record.duplex = 1;
         break;
-      case ETHTOOL_GLINK: record.supported = 0xffffff01; break;
+      case ETHTOOL_GLINK: record.supported = 0xffffff02; break;
       case ETHTOOL_GPERMADDR: std::memcpy(values + 4, "permanen", 8); break;
       default: return errno = EOPNOTSUPP, -1;
     }

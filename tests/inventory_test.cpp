@@ -77,11 +77,12 @@ void with_dump(const std::string &links, const std::string &addresses, void (*lo
 TEST(crafted_dump, every_field_and_what_is_missing) {
   const std::string nameless = link(8, ~1U, attribute(IFLA_STATS, counters.substr(0, 4)));
   const std::string bare = link(9, 0, attribute(IFLA_IFNAME, "no-nul") + attribute(IFLA_STATS, ""));
-  const std::string addresses =
-      address(8, AF_INET, attribute(IFA_LOCAL, "abcd")) +
-      address(7, AF_INET, attribute(IFA_LOCAL, "abcd") + attribute(IFA_ADDRESS, "efgh")) +
-      address(99, AF_INET, attribute(IFA_ADDRESS, "lost")) + address(7, AF_INET6, attribute(IFA_ADDRESS, "ab")) +
-      address(7, AF_INET, attribute(IFA_BROADCAST, "ijkl")) + address(7, AF_PACKET, attribute(IFA_ADDRESS, "abcd"));
+  const std::string addresses = address(8, AF_INET, attribute(IFA_LOCAL, "abcd")) +
+                                address(7, AF_INET, attribute(IFA_LOCAL, "abcd") + attribute(IFA_ADDRESS, "efgh")) +
+                                address(99, AF_INET, attribute(IFA_ADDRESS, "lost")) +
+                                address(7, AF_INET6, attribute(IFA_ADDRESS, "ab") + attribute(IFA_ANYCAST, "yz")) +
+                                address(7, AF_INET, attribute(IFA_BROADCAST, "ijkl")) +
+                                address(7, AF_PACKET, attribute(IFA_ADDRESS, "abcd"));
   // What a message is too short for is zero.
   const std::string links =
       full_link + nameless + bare + message(RTM_NEWLINK, "") + message(RTM_NEWLINK, std::string(6, 0));

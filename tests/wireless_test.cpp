@@ -41,7 +41,7 @@ TEST(wireless, names_reach_the_driver_whole_or_cut_and_a_word_with_the_private_r
 TEST(wireless, answers_of_any_size_stay_inside_their_fields) {
   for (const auto &row : rows("ranges")) {  // mantissa, exponent, frequencies, rates, a name's length; what they give
     driver device;
-    device.essid_length = std::stoi(row[4]), device.disabled = 1;
+    device.essid_length = std::stoi(row[4]), device.disabled = 0x80;
     device.frequency = {std::stoi(row[0]), static_cast<int16_t>(std::stoi(row[1])), 0, 0};
     device.range.num_frequency = std::stoi(row[2]), device.range.num_bitrates = std::stoi(row[3]);
     device.range.freq[7] = {2412, 0, {}, 77, {}}, device.range.freq[8] = {24120, -1, {}, 78, {}};

@@ -20,6 +20,7 @@ using namespace devfacts;
 DEVFACTS_LAYOUT(caps_string, 8, 16, .value{}, .present{});
 DEVFACTS_LAYOUT(caps_u32, 8, 8, .value{}, .present{});
 DEVFACTS_LAYOUT(caps_bool, 8, 8, .value{}, .present{});
+static_assert(sizeof(caps_string::present) + sizeof(caps_u32::present) + sizeof(caps_bool::present) == 3);
 DEVFACTS_LAYOUT(caps_freq_range, 56, 80, .range{}, .low{}, .high{}, .max_eirp{}, .max_txpower{}, .max_width{},
                 .dfs_required{}, .range_limits{});
 DEVFACTS_LAYOUT(caps_radio, 104, 136, .master{}, .ieee_band{}, .allowed_modulations{}, .txpower_offset{},
@@ -68,13 +69,9 @@ void get_string(caps_string &slot, cfg_handle cfg, const char *key) {
   slot.present = 1;
 }
 
-void get_u32(caps_u32 &slot, cfg_handle cfg, const char *key) {
-  slot.value = cfg_get_uint32_value(cfg, 0, key);
-  slot.present = 1;
-}
-
-void get_bool(caps_bool &slot, cfg_handle cfg, const char *key) {
-  slot.value = cfg_get_bool_value(cfg, 0, key);
+template <class Slot>
+void set_word(Slot &slot, uint32_t value) {
+  slot.value = value;
   slot.present = 1;
 }
 
@@ -84,8 +81,8 @@ void get_field(void *record, const caps_field &field, cfg_handle cfg, const char
   void *slot = at(record, field.offset);
   switch (field.type) {
     case slot_type::string: return get_string(*static_cast<caps_string *>(slot), cfg, key.text);
-    case slot_type::u32: return get_u32(*static_cast<caps_u32 *>(slot), cfg, key.text);
-    case slot_type::boolean: return get_bool(*static_cast<caps_bool *>(slot), cfg, key.text);
+    case slot_type::u32: return set_word(*static_cast<caps_u32 *>(slot), cfg_get_uint32_value(cfg, 0, key.text));
+    case slot_type::boolean: return set_word(*static_cast<caps_bool *>(slot), cfg_get_bool_value(cfg, 0, key.text));
   }
 }
 

@@ -79,10 +79,7 @@ constexpr caps_field feature_fields[] = {
 #undef FIELD
 
 // The text gives the channels' centres; the bounds lie this far outside.
-constexpr uint32_t margin = 10;
-
-// Unsigned, so that figures at the end of an int's range wrap around.
-int32_t moved(int32_t bound, uint32_t by) { return static_cast<int32_t>(static_cast<uint32_t>(bound) + by); }
+constexpr int64_t margin = 10;
 
 void work_out_bounds(void *row) {
   auto *range = static_cast<caps_freq_range *>(row);
@@ -92,8 +89,9 @@ void work_out_bounds(void *row) {
   if (range->range.present == 0) return;
   // NOLINTNEXTLINE(cert-err34-c): what sscanf takes for a range is one
   if (std::sscanf(range->range.value, " %d %c %d", &low, &separator, &high) != 3 || separator != '-') return;
-  range->low = moved(low, -margin);
-  range->high = moved(high, margin);
+  // Figures at the ends of an int's range wrap around.
+  range->low = static_cast<int32_t>(low - margin);
+  range->high = static_cast<int32_t>(high + margin);
 }
 
 // Where an owner keeps a list, and what its rows are.

@@ -42,7 +42,8 @@ DEVFACTS_API void cfg_destroy(cfg_handle store);
 /**
  * Loads a file. Texts that the store gave out before stay good; what it held stays, where the file does not replace it.
  *
- * The stand-in reads lines "dotted.key=value", ended by LF, CR LF or the end of the file. Blanks before a key are
+ * The stand-in reads lines "dotted.key=value", ended by LF, by the end of the file, or by either with a CR
+ * before it. Blanks before a key are
  * passed over, a key holds none, and the value is all that follows the first "=", blanks included. Blank lines are
  * passed over, and lines whose first other character is "#"; a later line of a key replaces an earlier one. Any other
  * line, a NUL byte and anything but a regular file make the load fail.

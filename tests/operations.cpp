@@ -154,7 +154,7 @@ static auto answers_of(const char *path, auto open, auto close, auto context, au
     ask("no entry\n", "a.b");
     for (const char *key : {"a.b", "none", "%n%s"}) ask("a.b=1\n", key);
     for (int i = 0; i < 2; ++i) close();
-    ask("a.b=2\nproduct.name=\n", "a.b");
+    ask("a.b=2\nproduct.name=\nproduct.enterprise-name=\n", "a.b");
   };
 }
 
@@ -210,7 +210,7 @@ const std::vector<operation> test::operations = {
     {"peers", {}, with(tool::peers, {}), {}},
     {"link", {}, driven(ask_about_link), {}},
     {"capabilities", {}, load_capabilities, driven(with(tool::product, {}))},
-    {"identity", {}, ask_description, [] { say(product_name()); }},
+    {"identity", {}, ask_description, [] { say(product_name(), product_manufacturer(), ""); }},
     {"configuration", {}, ask_settings, {}},
     {"messages", {}, send_and_receive, {}},
     {"messages_over_many", use_up_descriptors, send_and_receive, {}},

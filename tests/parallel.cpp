@@ -50,6 +50,11 @@ static void count(iw_status &status) {
 
 static void scan(keyval_list &list) { keyvalue("/proc/net/ra0/peers", nullptr, &list), keyval_destroy(&list); }
 
+static void identify() {
+  char text[64];
+  cpu_detect(CPU_RT3052), read_serial_no(text, sizeof text), read_firmware_version(text, sizeof text);
+}
+
 static const std::map<std::string, std::function<void()>> uses = {
     {"net", [] { ifi_get_all_ip(), ifi_find_by_name("lo"), ifi_free_all(); }},
     {"netlink", on_own<nl_handle>(dump_links)},
@@ -58,7 +63,7 @@ static const std::map<std::string, std::function<void()>> uses = {
     {"counters", on_own<iw_status>(count)},
     {"peers", on_own<iw_peers_list>([](auto &list) { iw_peers(&list, "ra0"), iw_peers_free(&list); })},
     {"product", [] { product_name(), prod_spec_close(), sysconf_get("a"), sysconf_close(), product_caps_get(); }},
-    {"chip", [] { cpu_detect(CPU_RT3052); }},
+    {"identity", identify},
     {"scanner", on_own<keyval_list>(scan)},
     {"records", [] { eeprom_init(), eeprom_delete(1), eeprom_write(), eeprom_free(); }},
     {"partitions", [] { mtd_block_find("Factory"); }},

@@ -6,6 +6,7 @@
 #include "core/layout.h"
 
 DEVFACTS_LAYOUT(iw_limit_value, 8, 8, .present{}, .value{});
+static_assert(sizeof(iw_limit_value::present) == 1 && sizeof(iw_status::essid_flags) == 1);
 DEVFACTS_LAYOUT(iw_radio_limits_t, 40, 48, .antenna_gain{}, .txpower_offset{}, .min_txpower{}, .frequency_offset{},
                 .allowed_modulations{}, .ieee_band{});
 // A processor may align 64-bit words by four bytes.

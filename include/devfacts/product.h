@@ -3,7 +3,7 @@
  * capability object.
  *
  * Configuration files are read through the device's configuration store. Nothing here prints, logs or sets errno on
- * purpose. Use one thread at a time, cpu_detect() excepted.
+ * purpose. Use one thread at a time, but for cpu_detect(), cpu_vendor(), read_serial_no() and read_firmware_version().
  */
 #ifndef DEVFACTS_PRODUCT_H
 #define DEVFACTS_PRODUCT_H
@@ -81,12 +81,16 @@ DEVFACTS_API const char *prod_spec_get(const char *key);
 /* ---- Identity ---- */
 
 /**
+ * Opens the product description as prod_spec_open() does, for good where it is missing.
+ *
  * @return the text of product.name in the product description, even an empty one, good until prod_spec_close();
  * "product" where there is none. It is not to be freed.
  */
 DEVFACTS_API const char *product_name(void);
 
 /**
+ * Opens the product description as prod_spec_open() does, for good where it is missing.
+ *
  * @return the text of product.enterprise-name in the product description, even an empty one, good until
  * prod_spec_close(); "manufacturer" where there is none. It is not to be freed.
  */
@@ -165,7 +169,7 @@ typedef struct caps_string {
 
 /** A number that may be absent. */
 typedef struct caps_u32 {
-  uint32_t value;  /**< the number; a negative one comes as its two's complement. 0 where absent */
+  uint32_t value;  /**< the number; the stand-in gives a negative one as its two's complement. 0 where absent */
   uint8_t present; /**< 1: the key is there; else 0 */
 } caps_u32;
 
@@ -176,8 +180,9 @@ typedef struct caps_bool {
 } caps_bool;
 
 /**
- * A frequency range of a radio: one for each index J of radio.I.frequency.J.range, whose text is "LOW-HIGH". Blanks may
- * stand before and behind the dash, and anything behind HIGH. A figure that no int holds gives a bound of no use.
+ * A frequency range of a radio: one for each index J of radio.I.frequency.J.range, whose text is "LOW-HIGH". White
+ * space may stand before each of the three and a sign before each figure, anything behind HIGH; LOW may be the larger.
+ * A bound that no int holds is of no use.
  */
 typedef struct caps_freq_range {
   caps_string range;        /**< range: unchanged; the figures are as the file gives them, usually MHz */

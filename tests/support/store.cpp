@@ -25,7 +25,7 @@ int test_cfg_read_file(cfg_handle store, const char *path) {
 }
 
 int test_cfg_key_exists(cfg_handle store, const char *key, int index) {
-  return cfg_key_exists(store, noted("exists ", key), index);
+  return cfg_key_exists(store, noted("exists ", key), index) * -2;
 }
 
 const char *test_cfg_get(cfg_handle store, const char *key, int index) {

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "input.h"
-#include "product/cfg_store.h"
+#include "platform/cfg_store.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count) {
   fuzz::set_files(fuzz::view(bytes, count));

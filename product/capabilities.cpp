@@ -11,8 +11,8 @@
 
 #include "core/layout.h"
 #include "core/owner.h"
+#include "platform/cfg_store.h"
 #include "product/capability_tables.h"
-#include "product/cfg_store.h"
 #include "product/product_file.h"
 
 using namespace devfacts;

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-#include "product/cfg_store.h"
+#include "platform/cfg_store.h"
 #include "product/product_file.h"
 
 using namespace devfacts;

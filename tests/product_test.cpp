@@ -2,7 +2,7 @@
 #include <devfacts/product.h>
 #include <sys/stat.h>
 
-#include "product/cfg_store.h"
+#include "platform/cfg_store.h"
 #include "support/test.h"
 
 using namespace test;

@@ -10,8 +10,8 @@
 #include <regex>
 #include <utility>
 
+#include "platform/log.h"
 #include "support/test.h"
-#include "transport/log.h"
 
 using namespace test;
 

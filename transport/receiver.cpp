@@ -8,9 +8,9 @@
 
 #include "core/byte_reader.h"
 #include "core/owner.h"
+#include "platform/log.h"
 #include "transport/address.h"
 #include "transport/container.h"
-#include "transport/log.h"
 
 using namespace devfacts;
 

@@ -13,9 +13,9 @@
 #include <ctime>
 
 #include "core/owner.h"
+#include "platform/log.h"
 #include "transport/address.h"
 #include "transport/container.h"
-#include "transport/log.h"
 
 using namespace devfacts;
 

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "core/number.h"
-#include "product/cfg_store.h"
+#include "platform/cfg_store.h"
 
 using namespace devfacts;
 

@@ -1,4 +1,4 @@
-#include "transport/log.h"
+#include "platform/log.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "product/cfg_store.h"
+#include "platform/cfg_store.h"
 #include "test.h"
 
 static std::string calls;

@@ -1,5 +1,5 @@
 // Stands in for the device's logging library.
-#include "transport/log.h"
+#include "platform/log.h"
 
 #include <syslog.h>
 

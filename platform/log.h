@@ -1,13 +1,13 @@
 /*
- * transport/log.h - what is asked of the logging library, a library of the device's firmware. platform/log.cpp stands
- * in for it, and sends the messages to syslog.
+ * platform/log.h - what is asked of the logging library, a library of the device's firmware.
+ * platform/builtin/log.cpp stands in for it, and sends the messages to syslog.
  *
  * Levels grow with what a message matters less: 1 is a failure, 2 bad input, 4 a passing fault. In the stand-in they
  * are the priorities LOG_CRIT (0 and below), LOG_ERR (1), LOG_WARNING, LOG_NOTICE, LOG_INFO and LOG_DEBUG (5 and
  * above), under the identity and facility that the program has given to openlog().
  */
-#ifndef DEVFACTS_TRANSPORT_LOG_H
-#define DEVFACTS_TRANSPORT_LOG_H
+#ifndef DEVFACTS_PLATFORM_LOG_H
+#define DEVFACTS_PLATFORM_LOG_H
 
 #include <devfacts/api.h>
 

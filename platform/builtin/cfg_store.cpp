@@ -1,5 +1,5 @@
 // Stands in for the device's configuration store.
-#include "product/cfg_store.h"
+#include "platform/cfg_store.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -9,7 +9,7 @@
 #include <new>
 #include <span>
 
-#include "platform/key_table.h"
+#include "platform/builtin/key_table.h"
 
 using devfacts::indexed_value;
 

@@ -1,11 +1,11 @@
 /*
- * product/cfg_store.h - what is asked of the configuration store, a library of the device's firmware.
- * platform/cfg_store.cpp stands in for it.
+ * platform/cfg_store.h - what is asked of the configuration store, a library of the device's firmware.
+ * platform/builtin/cfg_store.cpp stands in for it.
  *
  * A store maps dotted keys ("radio.0.master") to texts. Use one store from one thread at a time. No operation prints.
  */
-#ifndef DEVFACTS_PRODUCT_CFG_STORE_H
-#define DEVFACTS_PRODUCT_CFG_STORE_H
+#ifndef DEVFACTS_PLATFORM_CFG_STORE_H
+#define DEVFACTS_PLATFORM_CFG_STORE_H
 
 #include <devfacts/api.h>
 #include <stdint.h>

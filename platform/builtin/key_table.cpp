@@ -1,4 +1,4 @@
-#include "platform/key_table.h"
+#include "platform/builtin/key_table.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,9 +1,10 @@
-/*
- * devfacts/core.h - fatal exit, descriptor flags, the control socket, text trimming, XML items, and texts of
- * "key: value" lines.
+/** @defgroup core Core services
+ * Fatal exit, descriptor flags, the control socket, text, XML items, and files of "key: value" lines.
  *
- * Everything here works on the caller's thread and takes no lock: use one thread at a time.
- */
+ * Only the control socket is kept between calls; all other functions here may run in several threads at once.
+ * Standard input, output and error must be open before the first call of the library: otherwise a file that it opens
+ * can become descriptor 2, and messages are written into it.
+ * @{ */
 #ifndef DEVFACTS_CORE_H
 #define DEVFACTS_CORE_H
 
@@ -13,179 +14,153 @@
 
 DEVFACTS_BEGIN_DECLS
 
-/**
- * Gives up: writes the formatted text to standard error and ends the process with exit(1).
+/** @defgroup core_process Fatal exit, descriptors and the control socket
+ * @ingroup core
+ * Fatal exit, the flags of a descriptor, and the one socket of all interface ioctls.
  *
- * Nothing is added to the text, neither a prefix nor a newline. The exit is the normal one: stdio buffers are flushed
- * and exit handlers run. The library calls this itself where a declaration below says so.
- *
- * @param format printf-style format, followed by the values it asks for.
- */
+ * The control socket is an AF_INET datagram socket, neither bound nor connected. It is process-wide and inherited by
+ * fork() and exec(). ioctl_close(), iw_info(), eth_info() and eth_perm_addr() close it; the next request opens a new
+ * one, maybe with another number. A program that closes all descriptors from 3 on calls ioctl_close() first.
+ * @{ */
+
+/** Writes a formatted text to standard error and ends the process with exit(1).
+ * Nothing is added to the text, not even a newline. stdio buffers are flushed and exit handlers run.
+ * @param format printf-style format, followed by its values. */
 DEVFACTS_API void die(const char *format, ...) DEVFACTS_NORETURN DEVFACTS_PRINTF(1, 2);
 
-/**
- * Marks a descriptor close-on-exec (fcntl F_GETFD, F_SETFD); its other descriptor flags stay as they are.
- *
- * @param fd the caller's descriptor.
- * @return what the setting fcntl returned, never negative.
- * A failing F_SETFD ends the process through die() with "cannot set FD_CLOEXEC flag.\n".
- */
+/** Marks a descriptor close-on-exec; its other descriptor flags stay as they are.
+ * `set_coe(ioctl_socket())` keeps the control socket from other programs until it is closed.
+ * @param fd an open descriptor.
+ * @return the result of fcntl(F_SETFD), never negative: if it fails, die() with "cannot set FD_CLOEXEC flag.\n". */
 DEVFACTS_API int set_coe(int fd);
 
-/**
- * Makes a descriptor blocking (clears O_NONBLOCK with fcntl F_GETFL, F_SETFL); its other status flags stay as they are.
- *
- * @param fd the caller's descriptor.
- * @return what the setting fcntl returned, never negative.
- * A failing F_SETFL ends the process through die() with "cannot set O_NONBLOCK flags.\n".
- */
+/** Makes a descriptor blocking: clears O_NONBLOCK. Its other status flags stay as they are.
+ * @param fd an open descriptor.
+ * @return the result of fcntl(F_SETFL), never negative: if it fails, die() with "cannot set O_NONBLOCK flags.\n". */
 DEVFACTS_API int set_bio(int fd);
 
-/**
- * Makes a descriptor non-blocking (sets O_NONBLOCK); otherwise as set_bio(), with the same words on failure.
- *
- * @param fd the caller's descriptor.
- * @return what the setting fcntl returned, never negative.
- */
+/** Makes a descriptor non-blocking: sets O_NONBLOCK; otherwise as set_bio(), with the same words on failure.
+ * @param fd an open descriptor.
+ * @return the result of fcntl(F_SETFL), never negative. */
 DEVFACTS_API int set_nio(int fd);
 
-/**
- * The one AF_INET datagram socket that all interface ioctls of the library go through.
- *
- * The first call makes it, later calls return the same number until ioctl_close(). It is process-wide, belongs to the
- * library, is neither bound nor connected and is inherited across exec. A caller may send its own ioctls through it,
- * but keeps the number no longer than until the next call that closes it: ioctl_close() and the whole-status queries.
- *
- * @return the descriptor, never negative.
- * When no socket can be made the process ends through die() with "cannot create socket, %s\n" and the errno text.
- */
+/** Returns the control socket, which is opened if it is not open.
+ * A caller may send ioctls of its own through it, but does not keep the number across a call that closes it.
+ * @return the descriptor, which belongs to the library. It is never negative: if no socket can be opened, die() with
+ * "cannot create socket, %s\n" and the errno text. */
 DEVFACTS_API int ioctl_socket(void);
 
-/**
- * Closes the control socket; without an open one it does nothing. The next ioctl_socket() makes a fresh one.
- */
+/** Closes the control socket. If it is not open, nothing happens. */
 DEVFACTS_API void ioctl_close(void);
 
-/**
- * Cuts the white space at the end of a text, in place: each byte of it becomes NUL.
+/** @} */
+
+/** @defgroup core_text Text
+ * @ingroup core
+ * White space and hardware addresses.
  *
- * White space is blank, tab, newline, vertical tab, form feed and carriage return, whatever the locale; a byte of 0x80
- * or above never is. No byte before @p str is read or written.
- *
- * @param str NUL-terminated text, changed in place.
- * @return @p str.
- */
+ * White space is blank, tab, newline, vertical tab, form feed and carriage return in every locale; bytes from 0x80 on
+ * are not.
+ * @{ */
+
+/** Removes the white space at the end of a text, in place: each such byte becomes NUL.
+ * @param str a text, not null.
+ * @return @p str. */
 DEVFACTS_API char *trimr_string(char *str);
 
-/**
- * Skips the white space (as trimr_string() knows it) at the start of a text.
- *
- * @param str NUL-terminated text; it is not changed.
- * @return the first other byte, the terminating NUL if there is none: a place in @p str, not to be freed.
- */
+/** Skips the white space at the start of a text.
+ * @param str a text, not null; it is not changed.
+ * @return a pointer into @p str: to the first byte that is not white space, which may be the NUL. */
 DEVFACTS_API char *triml_string(const char *str);
 
-/*
- * XML items: one line "  <name>value</name>\n" each, printed on standard output through stdio. The name is printed as
- * it is, never escaped. Write errors are not looked at: ferror(stdout) tells.
- */
+/** Reads a hardware address: six groups of hexadecimal digits, separated by ":".
+ * A group is what strtoul() accepts in base 16 (any number of digits, white space and a sign before it, "0x") and less
+ * than 256. The sixth group ends the text or is followed by ":" and anything. White space at the end is an error: use
+ * trimr_string() first.
+ * @param[out] addr six bytes.
+ * @param text the text, not null.
+ * @return 0; -1 if there is an error: the groups before it are stored. errno is changed. */
+DEVFACTS_API int parse_macaddr(uint8_t *addr, const char *text);
 
-/**
- * Prints a text item, unescaped: for values that can hold no markup.
+/** @} */
+
+/** @defgroup core_xml XML items
+ * @ingroup core
+ * Lines "  <name>value</name>\n" on standard output, through stdio.
  *
- * @param name the element's name; null prints nothing at all.
- * @param value the text; null or an empty one prints "N/A".
- */
+ * Names are not escaped. Write errors are not reported; ferror(stdout) shows them. A write to a pipe without a reader
+ * raises SIGPIPE, which by default ends the process.
+ * @{ */
+
+/** Prints a text without escaping, for values that cannot contain markup.
+ * @param name the element; if null, nothing is printed.
+ * @param value the text; if null or empty, "N/A" is printed. */
 DEVFACTS_API void xml_str_item(const char *name, const char *value);
 
-/**
- * Prints a text item, escaped as by escape_xml().
- *
- * @param name the element's name; null prints nothing at all.
- * @param value the text; null or an empty one prints "N/A", as does a text that there is no memory to escape.
- */
+/** Prints a text, escaped by escape_xml(). Control bytes, which XML does not allow, are printed as they are: network
+ * names can contain them.
+ * @param name the element; if null, nothing is printed.
+ * @param value the text; if null or empty, or without memory to escape it, "N/A" is printed. */
 DEVFACTS_API void xml_str_esc_item(const char *name, const char *value);
 
-/**
- * Prints a signed number item.
- *
- * @param name the element's name, not null.
- * @param value the number.
- */
+/** Prints a signed number. @param name the element, not null. @param value the number. */
 DEVFACTS_API void xml_int_item(const char *name, int32_t value);
 
-/**
- * Prints a signed number item that may be absent.
- *
- * @param name the element's name; null prints nothing where the value is absent, and is not allowed where it is
- * present.
- * @param value the number; not looked at where it is absent.
- * @param present 0: the line says "N/A"; anything else: as xml_int_item().
- */
+/** Prints a signed number that may be absent.
+ * @param name the element; null is allowed only for an absent number, and prints nothing.
+ * @param value the number; ignored if it is absent.
+ * @param present 0 if the number is absent: "N/A" is printed. */
 DEVFACTS_API void xml_int_item_opt(const char *name, int32_t value, uint8_t present);
 
-/**
- * Prints a signed 64-bit number item.
- *
- * @param name the element's name, not null.
- * @param value the number.
- */
+/** Prints a signed 64-bit number. @param name the element, not null. @param value the number. */
 DEVFACTS_API void xml_int64_item(const char *name, int64_t value);
 
-/**
- * Prints a floating-point item with six decimals; the decimal point is that of the program's locale, as printf's is.
- *
- * @param name the element's name, not null.
- * @param value the number.
- */
+/** Prints a number as printf() does with "%f": six decimals, the locale's decimal point, "nan" and "inf" as words.
+ * @param name the element, not null.
+ * @param value the number. */
 DEVFACTS_API void xml_double_item(const char *name, double value);
 
-/**
- * Escapes a text for XML: each apostrophe, quotation mark, ampersand, less-than and greater-than sign becomes its
- * entity, every other byte stays as it is.
- *
- * It works on bytes, so UTF-8 comes through unchanged, and so do control bytes, which XML does not allow. A text that
- * is escaped already is escaped again.
- *
- * @param src NUL-terminated text; it is not changed and must not overlap @p dst.
- * @param dst room for the result, or null; six times the length of @p src plus 1 is always enough.
- * @return @p dst, or where that is null an allocation of exactly the needed size, which the caller frees;
- *         null when there is no memory for it.
- */
+/** Replaces apostrophes, quotation marks, ampersands, less-than and greater-than signs by their XML entities.
+ * All other bytes stay, control bytes and UTF-8 included. A text that is already escaped is escaped again.
+ * @param src the text, not null. It does not overlap @p dst.
+ * @param[out] dst null, or a buffer; six times the length of @p src plus 1 bytes are always enough.
+ * @return @p dst. If it is null, an allocation of the exact size, which the caller frees; null without memory. */
 DEVFACTS_API char *escape_xml(const char *src, char *dst);
 
-/*
- * Texts of "key: value" lines, as the kernel and its drivers have them under /proc.
- *
- * A line is a key, a separator and a value, without the white space (as trimr_string() knows it) at the ends of each.
- * The separator is the first "=" or ":", whichever comes first; a line without both is split at its first blank (a tab
- * does not count). Empty lines are passed over. There are no comments, no quotes and no lines that go on. A line of
- * more than 1023 bytes, its newline included, counts as several lines of at most that many; a NUL byte ends its line.
- *
- * A prefix selects the lines that begin with it. It is compared with the line before the split, so it may reach beyond
- * the key; null and an empty one select all. A selected line that cannot be split (no "=", no ":", no blank) ends the
- * walk as the end of the file and a read error do. None of these functions prints or keeps anything between calls, so
- * several threads may walk at once, each its own file or stream: a stream's lock is not taken.
- */
+/** @} */
 
-/**
- * Called for a line.
+/** @defgroup core_lines Files of "key: value" lines
+ * @ingroup core
+ * Reads the files that the kernel and its drivers have under /proc.
  *
- * @param context what the caller of the walk gave.
- * @param key,value the two halves, which may be changed in place and are gone when the callback returns.
- * @return 0 to go on, anything else to end the walk.
- */
+ * A line is a key, a separator and a value, without the white space at the ends of each. The separator is the first "="
+ * or ":"; in a line without either it is the first blank, not a tab. Empty lines are skipped. There are no comments,
+ * quotes or continuation lines. A NUL byte ends its line. A line of more than 1023 bytes, its newline included, is read
+ * as several lines.
+ *
+ * A prefix selects the lines that begin with it; null and "" select all. It is compared before the line is split, so it
+ * may be longer than the key. A selected line that cannot be split ends the walk without a sign. A piece of an overlong
+ * line may be such a line: always pass a prefix.
+ *
+ * A file that cannot be opened is like an empty one, and a read error like the end. To tell these apart, use fopen(),
+ * iterate_raw(), then ferror(). Opening a named pipe waits for its writer.
+ * @{ */
+
+/** Called for each selected line.
+ * @param context the argument of the walk.
+ * @param key,value the two halves. The callback may change them; they are valid until it returns.
+ * @return 0 to continue, anything else to end the walk. */
 typedef int (*iterate_callback)(void *context, char *key, char *value);
 
-/** A slot for the first number; clear it, walk, and look at found. */
+/** The first number; clear it before the walk. */
 typedef struct first_match_u32 {
-  uint32_t value; /**< the number, a negative one as its two's complement */
-  uint8_t found;  /**< 1 if a line was selected and its value is a number; value means nothing otherwise */
+  uint32_t value; /**< the number; for a signed one, (int32_t)value. Means nothing while found is 0 */
+  uint8_t found;  /**< 1 if a line was selected and its value is a number */
 } first_match_u32;
 
-/** A slot for the first text; clear it, walk, and look at found. */
+/** The first text; clear it before the walk. */
 typedef struct first_match_string {
-  char *value;   /**< a copy of the value, which the caller frees; null where there is none */
+  char *value;   /**< a copy, which the caller frees; null without memory */
   uint8_t found; /**< 1 if a line was selected and its value copied */
 } first_match_string;
 
@@ -195,97 +170,72 @@ typedef struct keyval_entry {
   uint32_t length; /**< its length without the NUL */
 } keyval_entry;
 
-/** The values that keyvalue() found; keyval_destroy() releases them. */
+/** The values that keyvalue() found. */
 typedef struct keyval_list {
   keyval_entry *rows; /**< in the order of the file; means nothing while count is 0 */
   int32_t count;      /**< number of rows */
 } keyval_list;
 
-/**
- * Walks a file and gives the callback each selected line.
- *
- * @param path the file, not null. One that cannot be opened is like an empty one.
- * @param prefix selects lines, as told above.
- * @param callback called on this thread; null does nothing.
- * @param context handed to the callback.
- */
+/** Calls the callback for each selected line of a file.
+ * @param path the file, not null.
+ * @param prefix selects lines.
+ * @param callback called on this thread. If null, the file is opened and closed.
+ * @param context passed to the callback.
+ * @par Example
+ * @code
+ * first_match_u32 memory = {0};
+ * iterate("/proc/meminfo", "MemFree", __return_first_match_in_u32, &memory);
+ * if (memory.found) printf("%u kB free\n", (unsigned)memory.value);
+ * @endcode */
 DEVFACTS_API void iterate(const char *path, const char *prefix, iterate_callback callback, void *context);
 
-/**
- * Walks an open stream from its start and gives the callback each selected line.
- *
- * @param stream the caller's, at any place; rewind() sets it to its start first. It is left where the walk ended, which
- * is behind the last line read, and stays open. Null does nothing.
- * @param prefix selects lines, as told above.
- * @param callback called on this thread; null does nothing.
- * @param context handed to the callback.
- */
+/** Calls the callback for each selected line of an open stream, from its start.
+ * @param stream is rewound first; one that cannot be, such as a pipe, is read from its current position. It is left
+ * after the last line read, and open. Its lock is not taken. If null, nothing happens.
+ * @param prefix selects lines.
+ * @param callback called on this thread. If null, nothing happens.
+ * @param context passed to the callback. */
 DEVFACTS_API void iterate_raw(FILE *stream, const char *prefix, iterate_callback callback, void *context);
 
-/**
- * A callback that stores the number of the first line, even where a later line would have a better one.
- *
- * The number is the decimal one at the value's start, as strtoul() of a 32-bit long reads it: white space and a sign
- * allowed, text behind it ignored. Beyond the limits value is UINT32_MAX, and found 0. errno is changed.
- *
- * @param context the ::first_match_u32 slot.
- * @param key not looked at.
+/** A callback that stores the number of the first selected line and ends the walk, even if that line has no number.
+ * It reads the decimal number at the start of the value as strtoul() does with a 32-bit long: white space and a sign
+ * are allowed, text after the number is ignored. errno is changed.
+ * @param context a ::first_match_u32. Without a number it gets 0, and for one out of range UINT32_MAX; found is 0 then.
+ * @param key ignored.
  * @param value the text.
- * @return always 1, which ends the walk.
- */
+ * @return always 1. */
 DEVFACTS_API int __return_first_match_in_u32(void *context, char *key, char *value);
 
-/**
- * The same for a signed number, as strtol() of a 32-bit long reads it; value holds its two's complement. Beyond the
- * limits value is the limit, and found 0.
- *
- * @param context the ::first_match_u32 slot.
- * @param key not looked at.
+/** As __return_first_match_in_u32(), but for a signed number, as strtol() reads it with a 32-bit long.
+ * @param context a ::first_match_u32; the number is (int32_t)value. A number out of range becomes INT32_MIN or
+ * INT32_MAX, with found 0.
+ * @param key ignored.
  * @param value the text.
- * @return always 1, which ends the walk.
- */
+ * @return always 1. */
 DEVFACTS_API int __return_first_match_in_i32(void *context, char *key, char *value);
 
-/**
- * A callback that stores a copy of the first line's value. Without memory for it value is null and found 0.
- *
- * @param context the ::first_match_string slot, whose text the caller frees.
- * @param key not looked at.
+/** A callback that stores a copy of the value of the first selected line and ends the walk.
+ * @param context a ::first_match_string. A text that it already holds is overwritten, not freed.
+ * @param key ignored.
  * @param value the text.
- * @return always 1, which ends the walk.
- */
+ * @return always 1. */
 DEVFACTS_API int __return_first_match_in_string(void *context, char *key, char *value);
 
-/**
- * Collects the values of all selected lines of a file; their keys are dropped.
- *
- * @param path the file, not null. One that cannot be opened is like an empty one.
- * @param prefix selects lines, as told above.
- * @param list what it held is forgotten, not released: count becomes 0 first, and rows is set with the first value. The
- * caller ends the list with keyval_destroy(). Without memory it is empty, with rows null. A null list does nothing.
- */
+/** Collects the values of all selected lines of a file; their keys are dropped.
+ * @param path the file, not null.
+ * @param prefix selects lines.
+ * @param[out] list is overwritten, not released; the caller ends it with keyval_destroy(). Without memory it is empty,
+ * with rows null. If @p list is null, nothing happens. */
 DEVFACTS_API void keyvalue(const char *path, const char *prefix, keyval_list *list);
 
-/**
- * Releases the values and the rows of a list and makes it empty, with rows null. A list whose count is 0 is left as it
- * is, and null does nothing.
- *
- * @param list what keyvalue() filled.
- */
+/** Releases the values and rows of a list and makes it empty, with rows null.
+ * @param list what keyvalue() filled. If it is null or its count is 0, nothing happens. */
 DEVFACTS_API void keyval_destroy(keyval_list *list);
 
-/**
- * Reads a hardware address: six groups of hexadecimal digits with ":" between them.
- *
- * A group is what strtoul() takes in base 16 (one digit or many, white space and a sign before it, "0x"), as long as it
- * is below 256. Behind the sixth group stands the end of the text or a ":", and what follows that does not matter.
- *
- * @param addr room for six bytes.
- * @param text NUL-terminated text.
- * @return 0; -1 where the text holds no such address: the groups before the fault are stored. errno is changed.
- */
-DEVFACTS_API int parse_macaddr(uint8_t *addr, const char *text);
+/** @} */
 
 DEVFACTS_END_DECLS
+
+/** @} */
 
 #endif

@@ -7,14 +7,14 @@
 
 namespace devfacts {
 
-// Sends the request, with room for the answer where the driver is to write there. False when it refuses.
-bool ask_driver(uint32_t number, const char *name, const iw_point &room, iwreq_data &answer);
+// Sends the request, with the buffer that the driver is to write to, if any. False if it refuses.
+bool ask_driver(uint32_t number, const char *name, const iw_point &buffer, iwreq_data &answer);
 
-// The same, and hands the answer to take. Gives 0, or -1 when the driver refuses; take is not called then.
+// The same, and hands the answer to take. Returns 0, or -1 if the driver refuses; take is not called then.
 template <class Take>
-int query(uint32_t number, const char *name, const iw_point &room, const Take &take) {
+int query(uint32_t number, const char *name, const iw_point &buffer, const Take &take) {
   iwreq_data answer;
-  if (!ask_driver(number, name, room, answer)) return -1;
+  if (!ask_driver(number, name, buffer, answer)) return -1;
   take(answer);
   return 0;
 }

@@ -10,6 +10,7 @@
 
 #include "store/backing.h"
 #include "store/image.h"
+#include "store/mapped_range.h"
 #include "store/record_table.h"
 
 using namespace devfacts;
@@ -60,9 +61,11 @@ void eeprom_read(const char *path) {
 
 void eeprom_write() {
   const size_t size = eeprom_image_size();
-  if (size < shortest_image || size > longest_image) return;
+  if (size < min_image_size || size > max_image_size) return;
   unique_fd store = open_store();
-  if (!store || !has_room(store.get(), image_offset, static_cast<off_t>(size))) return;
+  const auto count = static_cast<off_t>(size);
+  if (!store || !reserve_range(store.get(), image_offset, count) || !is_readable(store.get(), image_offset, count))
+    return;
   void *mapping = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, store.get(), image_offset);
   store.reset();
   if (mapping == MAP_FAILED) return;

@@ -3,6 +3,8 @@
 #include <alloca.h>
 #include <unistd.h>
 
+#include <span>
+
 #include "core/big_endian.h"
 #include "core/byte_reader.h"
 #include "core/byte_writer.h"
@@ -12,7 +14,7 @@ using namespace devfacts;
 
 namespace {
 
-constexpr uint32_t longest_loaded = 65536;
+constexpr uint32_t max_loaded_size = 65536;
 
 struct record_head {
   big_endian<uint16_t> length;  // head and payload, without the padding
@@ -21,17 +23,15 @@ struct record_head {
 static_assert(sizeof(record_head) == record_head_size);
 
 bool load_records(byte_reader image) {
-  while (image.left() >= sizeof(record_head)) {
-    const size_t remaining = image.left();
-    const auto head = image.read<record_head>();
+  record_head head;
+  while (image.read(head)) {
     const uint32_t length = head.length.value();
-    if (length < sizeof head || length > remaining) return false;
-    const auto payload = image.take(length - sizeof head);
+    std::span<const std::byte> payload;
+    if (length < sizeof head || !image.take(length - sizeof head, payload)) return false;
     if (eeprom_update(head.id.value(), payload.data(), static_cast<uint32_t>(payload.size())) != 0) return false;
-    if (padded_size(length) > remaining) return false;
-    image.take(padded_size(length) - length);
+    if (!image.skip(padded_size(length) - length)) return false;
   }
-  return image.left() == 0;
+  return image.remaining() == 0;
 }
 
 bool read_exactly(int fd, void *bytes, size_t count) { return read(fd, bytes, count) == static_cast<ssize_t>(count); }
@@ -42,14 +42,14 @@ int devfacts::eeprom_load_image(int fd) {
   image_header header;
   if (!read_exactly(fd, &header, sizeof header) || header.magic != image_magic) return -1;
   const uint32_t total_length = header.total_length.value();
-  if (total_length > longest_loaded) return -1;
+  if (total_length > max_loaded_size) return -1;
   if (lseek(fd, -static_cast<off_t>(sizeof header), SEEK_CUR) < 0) return -1;
   // On the stack, though its size is known at run time only: gone on every way out, and no memory to run out of.
   // cppcheck-suppress allocaCalled
   void *buffer = alloca(total_length);
   if (!read_exactly(fd, buffer, total_length)) return -1;
   byte_reader image(buffer, total_length);
-  if (image.read<image_header>().must_be_zero != 0U || total_length < sizeof header) return -1;
+  if (!image.read(header) || header.must_be_zero != 0U) return -1;
   return load_records(image) ? 0 : -1;
 }
 
@@ -61,9 +61,9 @@ size_t devfacts::eeprom_image_size() {
   return size;
 }
 
-void devfacts::write_image(std::span<std::byte> room) {
-  byte_writer image(room);
-  image.write(image_header{image_magic, static_cast<uint32_t>(room.size()), uint16_t{1}, uint16_t{0}, 0U});
+void devfacts::write_image(std::span<std::byte> buffer) {
+  byte_writer image(buffer);
+  image.write(image_header{image_magic, static_cast<uint32_t>(buffer.size()), uint16_t{1}, uint16_t{0}, 0U});
   for (uint32_t id = 0; id < eeprom_table.capacity; ++id) {
     const eeprom_record *record = eeprom_table.slots[id];
     if (record == nullptr) continue;

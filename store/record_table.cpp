@@ -16,12 +16,12 @@ DEVFACTS_LAYOUT(eeprom_record, 4, 4, .length{}, .id{});
 
 namespace {
 
-constexpr uint32_t most_slots = 65535;
-constexpr uint32_t most_payload = UINT16_MAX - record_head_size;
+constexpr uint32_t max_slots = 65535;
+constexpr uint32_t max_payload = UINT16_MAX - record_head_size;
 
-// Twice the id, but room for the id in any case.
-constexpr uint32_t capacity_for(uint32_t id) { return std::min(std::max(2 * id, id + 1), most_slots); }
-static_assert(capacity_for(0) == 1 && capacity_for(35) == 70 && capacity_for(65534) == most_slots);
+// Twice the id, but at least a slot for it.
+constexpr uint32_t capacity_for(uint32_t id) { return std::min(std::max(2 * id, id + 1), max_slots); }
+static_assert(capacity_for(0) == 1 && capacity_for(35) == 70 && capacity_for(65534) == max_slots);
 
 bool grow(uint32_t capacity) {
   void *slots = std::realloc(eeprom_table.slots, capacity * sizeof(eeprom_record *));
@@ -49,7 +49,7 @@ eeprom_record *make_record(uint32_t id, const void *data, uint32_t size) {
 int eeprom_update(int32_t id, const void *data, uint32_t size) {
   if (size == 0) return 0;
   const auto slot = static_cast<uint32_t>(id);  // negative ones are beyond all others
-  if (slot >= most_slots || size > most_payload) return -1;
+  if (slot >= max_slots || size > max_payload) return -1;
   if (slot >= eeprom_table.capacity && !grow(capacity_for(slot))) return -1;
   eeprom_slot_release(slot);
   eeprom_record *record = make_record(slot, data, size);

@@ -1,9 +1,8 @@
-// What the driver shows under /proc: packet counters, state times, whether there is a peer.
+// What the driver shows under /proc: packet counters and state times.
 #include <devfacts/core.h>
 #include <devfacts/wireless.h>
 
 #include <cstdio>
-#include <cstdlib>
 
 #include "core/owner.h"
 #include "wireless/proc_path.h"
@@ -65,12 +64,4 @@ int iw_read_states(iw_status *status) {
     status->*state.field = time;
   }
   return 0;
-}
-
-int iw_link_established() {
-  first_match_string slot{};
-  iterate("/proc/net/ra0/peers", "Peer MAC address", __return_first_match_in_string, &slot);
-  if (slot.found == 0) return 0;
-  std::free(slot.value);
-  return 1;
 }

@@ -1,4 +1,4 @@
-// The stations that are connected to a wireless interface.
+// The stations that are connected to a wireless interface, and whether there is one.
 #include <devfacts/core.h>
 #include <devfacts/wireless.h>
 
@@ -74,4 +74,12 @@ void iw_peers_free(iw_peers_list *list) {
   std::free(list->rows);
   list->rows = nullptr;
   list->count = 0;
+}
+
+int iw_link_established() {
+  first_match_string slot{};
+  iterate("/proc/net/ra0/peers", first_key, __return_first_match_in_string, &slot);
+  if (slot.found == 0) return 0;
+  std::free(slot.value);
+  return 1;
 }

@@ -1,4 +1,4 @@
-// A number as the records of another byte order hold it: most significant byte first, at any address.
+// A number in the byte order of stored records: most significant byte first, at any address.
 #pragma once
 
 #include <cstddef>

@@ -13,26 +13,46 @@ class byte_reader {
  public:
   byte_reader(const void *bytes, std::size_t count) : rest_(static_cast<const std::byte *>(bytes), count) {}
 
-  // A record in host order at the current place, whatever the alignment; what the input lacks of it stays zero.
+  // Copies the record at the current place, in host order and whatever its alignment. False if the input ends before
+  // the record does: nothing is read then.
   template <class T>
-  T read() {
+  bool read(T &record) {
+    if (rest_.size() < sizeof record) return false;
+    record = read_or_zero<T>();
+    return true;
+  }
+
+  // The same for callers to which a short record is one too: the bytes that the input lacks are zero.
+  template <class T>
+  T read_or_zero() {
     static_assert(std::is_trivially_copyable_v<T>);
     T record{};
-    const auto piece = take(sizeof record);
+    const auto piece = take_up_to(sizeof record);
     std::memcpy(&record, piece.data(), piece.size());
     return record;
   }
 
-  // Up to count bytes, fewer at the end.
-  std::span<const std::byte> take(std::size_t count) {
+  // False if the input has fewer bytes: nothing is taken then.
+  bool take(std::size_t count, std::span<const std::byte> &piece) {
+    if (rest_.size() < count) return false;
+    piece = take_up_to(count);
+    return true;
+  }
+
+  bool skip(std::size_t count) {
+    std::span<const std::byte> skipped;
+    return take(count, skipped);
+  }
+
+  std::size_t remaining() const { return rest_.size(); }
+
+ private:
+  std::span<const std::byte> take_up_to(std::size_t count) {
     const auto piece = rest_.first(std::min(count, rest_.size()));
     rest_ = rest_.subspan(piece.size());
     return piece;
   }
 
-  std::size_t left() const { return rest_.size(); }
-
- private:
   std::span<const std::byte> rest_;
 };
 

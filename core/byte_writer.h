@@ -1,5 +1,5 @@
-// The bounded writer for bytes that outlive the process: it never writes beyond what it was given, nor a byte that
-// stands there already, so of memory that maps a file only those pages get dirty that change.
+// The bounded writer for bytes that outlive the process: it never writes beyond its buffer. It skips bytes that are
+// already equal, so that unchanged pages of a mapped file stay clean.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace devfacts {
 
 class byte_writer {
  public:
-  explicit byte_writer(std::span<std::byte> room) : rest_(room) {}
+  explicit byte_writer(std::span<std::byte> buffer) : rest_(buffer) {}
 
   // The record as it lies in memory.
   template <class T>

@@ -8,12 +8,12 @@
 
 namespace devfacts {
 
-constexpr size_t request_name_size = 16;  // IFNAMSIZ, of which two headers that exclude each other tell
+constexpr size_t request_name_size = 16;  // IFNAMSIZ; not included, as <net/if.h> and <linux/if.h> conflict
 
 // A cleared request, a struct ifreq or iwreq, with the name in its first bytes. A longer name is cut, without a NUL
 // then.
 template <class Request>
-Request request_about(const char *name) {
+Request make_request(const char *name) {
   Request request;
   std::memset(&request, 0, sizeof request);
   std::memcpy(&request, name, strnlen(name, request_name_size));

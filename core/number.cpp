@@ -7,8 +7,8 @@ namespace {
 
 // A minus sign makes a negative number of a 32-bit one, which is taken modulo 2^32; beyond that is the largest.
 uint32_t cut(long long number, uint32_t /*type*/) {
-  constexpr long long most = UINT32_MAX;
-  if (number >= -most && number <= most) return static_cast<uint32_t>(number);
+  constexpr long long max = UINT32_MAX;
+  if (number >= -max && number <= max) return static_cast<uint32_t>(number);
   errno = ERANGE;
   return UINT32_MAX;
 }

@@ -16,7 +16,7 @@ DEVFACTS_LAYOUT(eth_status, 16, 16, .speed{}, .duplex{}, .link{}, .supported{}, 
 
 namespace {
 
-// The kernel's ethtool_perm_addr with room for the address.
+// The kernel's ethtool_perm_addr with a buffer for the address.
 struct perm_addr_command {
   uint32_t cmd;
   uint32_t size;
@@ -42,7 +42,7 @@ bool eth_read_perm_addr(ifreq &request, uint8_t *addr) {
 
 // In the kernel's order; a request that fails is the last.
 bool read_all(eth_status *status, const char *name) {
-  auto request = request_about<ifreq>(name);
+  auto request = make_request<ifreq>(name);
   ethtool_cmd settings{};
   settings.cmd = ETHTOOL_GSET;
   if (!send_command(request, settings)) return false;
@@ -69,7 +69,7 @@ char *copy_word(const word_pair &words, uint8_t value, char *text, int size) {
 }  // namespace
 
 int eth_capable(const char *name) {
-  auto request = request_about<ifreq>(name);
+  auto request = make_request<ifreq>(name);
   ethtool_cmd settings{};
   settings.cmd = ETHTOOL_GSET;
   return send_command(request, settings) ? 1 : 0;
@@ -86,7 +86,7 @@ int eth_info(eth_status *status, const char *name) {
 int eth_perm_addr(uint8_t *addr, const char *name) {
   ioctl_socket();
   std::memset(addr, 0, addr_size);
-  auto request = request_about<ifreq>(name);
+  auto request = make_request<ifreq>(name);
   const bool read = eth_read_perm_addr(request, addr);
   ioctl_close();
   return read ? 0 : -1;

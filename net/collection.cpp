@@ -76,8 +76,8 @@ constinit collection *running = nullptr;
 template <class Record>
 Record record_of(const nlmsghdr *message) {
   byte_reader reader{message, message->nlmsg_len};
-  reader.take(sizeof *message);
-  return reader.read<Record>();
+  reader.skip(sizeof *message);
+  return reader.read_or_zero<Record>();
 }
 
 // The attributes behind the header and the record, sorted by type into the table.

@@ -138,7 +138,7 @@ void load_row(void *row, const caps_list &list, cfg_handle cfg, const char *pref
   if (list.finish != nullptr) list.finish(row);
 }
 
-// Where a row finds no room, the whole list goes and the walk ends.
+// Without memory for a row the whole list goes and the walk ends.
 void load_list(void *owner, const caps_list &list, cfg_handle cfg, const char *prefix) {
   row_array array;
   cfg_iterator *const first = cfg_create_index_iterator(cfg, prefix, list.suffix);

@@ -5,15 +5,13 @@
 namespace devfacts {
 namespace {
 
-template <class Slot>
-constexpr slot_type type_of = slot_type::string;
-template <>
-constexpr slot_type type_of<caps_u32> = slot_type::u32;
-template <>
-constexpr slot_type type_of<caps_bool> = slot_type::boolean;
+// Declared for the three slots only: a field of any other type does not compile.
+consteval slot_type type_of(const caps_string & /*slot*/) { return slot_type::string; }
+consteval slot_type type_of(const caps_u32 & /*slot*/) { return slot_type::u32; }
+consteval slot_type type_of(const caps_bool & /*slot*/) { return slot_type::boolean; }
 
 #define FIELD(record, member, name) \
-  { name, offsetof(record, member), type_of<decltype(record::member)> }
+  { name, offsetof(record, member), type_of(record{}.member) }
 
 constexpr caps_field product_fields[] = {
     FIELD(product_caps_t, id, "id"),

@@ -25,7 +25,7 @@ struct caps_list {
   uint16_t count_at;
   uint16_t rows_at;
   std::span<const caps_field> fields;
-  void (*finish)(void *row) = nullptr;  // what is left to do
+  void (*finish)(void *row) = nullptr;  // what remains to be done
   const char *inner_name = nullptr;     // of the list in each row, if there is one
   const caps_list *inner = nullptr;
 };

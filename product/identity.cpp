@@ -35,7 +35,7 @@ char *read_line(FILE *file, char *buffer, int length) {
   return std::fgets(buffer, length, file) == nullptr ? nullptr : trimr_string(buffer);
 }
 
-// The text with its NUL, where there is room for it.
+// The text with its NUL, if the buffer holds both.
 char *copy_text(char *buffer, size_t length, const char *text) {
   const size_t size = std::strlen(text) + 1;
   return length < size ? nullptr : static_cast<char *>(std::memcpy(buffer, text, size));

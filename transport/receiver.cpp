@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <span>
 
 #include "core/byte_reader.h"
 #include "core/owner.h"
@@ -55,12 +56,13 @@ int socket_input_read_single(int fd, void *buffer, uint32_t size) {
 
 const void *socket_input_extract(const void *buffer, uint32_t size, uint32_t *length_out) {
   *length_out = 0;
-  if (buffer == nullptr || size < sizeof(socket_container)) return nullptr;
+  if (buffer == nullptr) return nullptr;
   byte_reader datagram(buffer, size);
-  const uint32_t length = datagram.read<socket_container>().length;
-  if (length == 0 || length > size - sizeof(socket_container)) return nullptr;
-  *length_out = length;
-  return datagram.take(length).data();
+  socket_container head;
+  std::span<const std::byte> payload;
+  if (!datagram.read(head) || head.length == 0 || !datagram.take(head.length, payload)) return nullptr;
+  *length_out = head.length;
+  return payload.data();
 }
 
 int socket_read(int fd, const fd_set *read_set, socket_callback callback) {

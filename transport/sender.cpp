@@ -83,7 +83,7 @@ int64_t milliseconds() {
   return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
 }
 
-// As with select, for a descriptor that a set has no room for.
+// As with select, for a descriptor that a set can't hold.
 bool poll_writable(int fd) {
   const int64_t end = milliseconds() + wait_seconds * 1000;
   pollfd slot{fd, POLLOUT, 0};
@@ -98,7 +98,7 @@ bool select_writable(int fd) {
   fd_set set;
   FD_ZERO(&set);
   FD_SET(fd, &set);
-  timeval limit{wait_seconds, 0};  // an interrupted select leaves in it what is left
+  timeval limit{wait_seconds, 0};  // an interrupted select leaves the remaining time in it
   int ready = 0;
   do {
     ready = select(fd + 1, nullptr, &set, nullptr, &limit);

@@ -26,10 +26,10 @@ int iw_ieee_name(iw_status *status, const char *name) {
 }
 
 int iw_essid(iw_status *status, const char *name) {
-  constexpr uint16_t longest = sizeof status->essid - 1;
-  return query(SIOCGIWESSID, name, {status->essid, longest, 0}, [=](const iwreq_data &answer) {
+  constexpr uint16_t max_length = sizeof status->essid - 1;
+  return query(SIOCGIWESSID, name, {status->essid, max_length, 0}, [=](const iwreq_data &answer) {
     status->essid_length = answer.essid.length;
-    status->essid[std::min(answer.essid.length, longest)] = '\0';
+    status->essid[std::min(answer.essid.length, max_length)] = '\0';
     status->essid_flags = static_cast<uint8_t>(answer.essid.flags);
   });
 }

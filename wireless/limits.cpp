@@ -11,7 +11,7 @@ using namespace devfacts;
 
 namespace {
 
-constexpr size_t longest_name = 16;
+constexpr size_t max_name_length = 16;
 
 // In the order in which they are read; each has one of the two fields.
 constexpr struct limit_key {
@@ -54,7 +54,7 @@ void read_radio(cfg_handle store, int radio) {
 
 bool is_master(cfg_iterator *at, const char *name) {
   const char *master = at->value(at);
-  return master != nullptr && std::strlen(name) <= longest_name && std::strcmp(master, name) == 0;
+  return master != nullptr && std::strlen(name) <= max_name_length && std::strcmp(master, name) == 0;
 }
 
 void find_radio(cfg_handle store, const char *name) {

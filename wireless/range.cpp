@@ -40,8 +40,8 @@ class frequency_reader {
  public:
   double read(const void *freq) {
     byte_reader bytes(freq, sizeof(int32_t) + sizeof(int16_t));
-    const auto m = bytes.read<int32_t>();
-    const auto e = bytes.read<int16_t>();
+    const auto m = bytes.read_or_zero<int32_t>();
+    const auto e = bytes.read_or_zero<int16_t>();
     if (e != exponent_) power_ = std::pow(10.0, exponent_ = e);
     return m * power_;
   }
@@ -55,8 +55,8 @@ class frequency_reader {
 
 int get_range_info(const char *name, iw_range_record *range) {
   iw_range_record answer[2]{};
-  const iw_point room{answer, sizeof answer, 0};
-  return query(SIOCGIWRANGE, name, room, [&](const iwreq_data &) { *range = answer[0]; });
+  const iw_point buffer{answer, sizeof answer, 0};
+  return query(SIOCGIWRANGE, name, buffer, [&](const iwreq_data &) { *range = answer[0]; });
 }
 
 double iw_freq2double(const void *freq) { return frequency_reader().read(freq); }

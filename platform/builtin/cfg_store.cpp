@@ -50,8 +50,8 @@ constexpr cfg_iterator slots{next_index, index_here, {}, value_here};
 }  // namespace
 
 cfg_handle cfg_create() {
-  void *room = std::malloc(sizeof(cfg_store));
-  return room == nullptr ? nullptr : new (room) cfg_store;
+  void *memory = std::malloc(sizeof(cfg_store));
+  return memory == nullptr ? nullptr : new (memory) cfg_store;
 }
 
 void cfg_destroy(cfg_handle store) {
@@ -89,8 +89,8 @@ uint32_t cfg_get_uint32_value(cfg_handle store, int /*zero*/, const char *key) {
 uint32_t cfg_get_bool_value(cfg_handle store, int /*zero*/, const char *key) {
   const char *text = store->keys.find(key);
   if (text == nullptr) return 0;
-  for (const char *word : {"1", "true", "yes", "on", "enabled"}) {
-    if (strcasecmp(text, word) == 0) return 1;
+  for (const char *truth : {"1", "true", "yes", "on", "enabled"}) {
+    if (strcasecmp(text, truth) == 0) return 1;
   }
   return 0;
 }
@@ -98,8 +98,8 @@ uint32_t cfg_get_bool_value(cfg_handle store, int /*zero*/, const char *key) {
 cfg_iterator *cfg_create_index_iterator(cfg_handle store, const char *prefix, const char *suffix) {
   const std::span<const indexed_value> found = store->keys.find_indices(prefix, suffix);
   if (found.empty()) return nullptr;
-  void *room = std::malloc(sizeof(index_walk));
-  return room == nullptr ? nullptr : &(new (room) index_walk{slots, found})->slots;
+  void *memory = std::malloc(sizeof(index_walk));
+  return memory == nullptr ? nullptr : &(new (memory) index_walk{slots, found})->slots;
 }
 
 void cfg_free_iterator(cfg_iterator *iterator) { std::free(iterator); }

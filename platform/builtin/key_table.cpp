@@ -73,8 +73,8 @@ bool key_table::load(const char *path) {
 }
 
 // Room for so many bytes and the NUL behind them.
-bool key_table::grow(malloc_ptr<file_text> &text, size_t room) {
-  auto *grown = static_cast<file_text *>(std::realloc(text.get(), sizeof(file_text) + room + 1));
+bool key_table::grow(malloc_ptr<file_text> &text, size_t capacity) {
+  auto *grown = static_cast<file_text *>(std::realloc(text.get(), sizeof(file_text) + capacity + 1));
   if (grown == nullptr) return false;
   static_cast<void>(text.release());
   text.reset(grown);
@@ -83,20 +83,20 @@ bool key_table::grow(malloc_ptr<file_text> &text, size_t room) {
 
 // The file with a NUL behind it. Its size is where to start from only: it may grow, and files of the kernel claim none.
 malloc_ptr<key_table::file_text> key_table::read(const char *path) {
-  size_t room = 0;
-  const unique_fd file = open_file(path, room);
+  size_t capacity = 0;
+  const unique_fd file = open_file(path, capacity);
   if (!file) return nullptr;
-  ++room;
-  malloc_ptr<file_text> text{static_cast<file_text *>(std::malloc(sizeof(file_text) + room + 1))};
+  ++capacity;
+  malloc_ptr<file_text> text{static_cast<file_text *>(std::malloc(sizeof(file_text) + capacity + 1))};
   if (!text) return nullptr;
   text->size = 0;
   for (;;) {
-    const ssize_t got = ::read(file.get(), text->bytes() + text->size, room - text->size);
+    const ssize_t got = ::read(file.get(), text->bytes() + text->size, capacity - text->size);
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) return nullptr;
     if (got == 0) break;
     text->size += static_cast<size_t>(got);
-    if (text->size == room && !grow(text, room *= 2)) return nullptr;
+    if (text->size == capacity && !grow(text, capacity *= 2)) return nullptr;
   }
   text->bytes()[text->size] = '\0';
   return text;
@@ -162,10 +162,10 @@ const char *key_table::find(const char *key) const {
 
 std::span<const indexed_value> key_table::find_indices(std::string_view prefix, std::string_view suffix) const {
   const auto indices = indices_.all();
-  const place least{{prefix}, {suffix}, 0};
-  const place most{{prefix}, {suffix}, INT_MAX};
-  const auto first = std::ranges::lower_bound(indices, least, {}, &indexed_value::at);
-  return {first, std::ranges::upper_bound(first, indices.end(), most, {}, &indexed_value::at)};
+  const place first_place{{prefix}, {suffix}, 0};
+  const place last_place{{prefix}, {suffix}, INT_MAX};
+  const auto first = std::ranges::lower_bound(indices, first_place, {}, &indexed_value::at);
+  return {first, std::ranges::upper_bound(first, indices.end(), last_place, {}, &indexed_value::at)};
 }
 
 }  // namespace devfacts

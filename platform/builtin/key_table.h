@@ -75,15 +75,15 @@ class key_table {
     malloc_ptr<T> rows;
     size_t count = 0;
 
-    bool reserve(size_t most) {
-      if (most <= PTRDIFF_MAX / sizeof(T)) rows.reset(static_cast<T *>(std::malloc(most * sizeof(T))));
+    bool reserve(size_t capacity) {
+      if (capacity <= PTRDIFF_MAX / sizeof(T)) rows.reset(static_cast<T *>(std::malloc(capacity * sizeof(T))));
       return rows != nullptr;
     }
     void append(const T &row) { new (rows.get() + count++) T(row); }
     std::span<T> all() const { return {rows.get(), count}; }
   };
 
-  static bool grow(malloc_ptr<file_text> &text, size_t room);
+  static bool grow(malloc_ptr<file_text> &text, size_t capacity);
   static malloc_ptr<file_text> read(const char *path);
   static bool take_line(char *line, char *end, array<entry> &entries);
   static bool take_lines(file_text &text, array<entry> &entries);

@@ -1,11 +1,13 @@
-/*
- * devfacts/net.h - the network interfaces of the machine: a small rtnetlink client, the list of interfaces and
- * addresses that it fills, and the netstats report.
+/** @defgroup net Network interfaces
+ * The list of interfaces and addresses, the netstats report, and the rtnetlink client that fills the list.
  *
- * Use the list from one thread at a time; handles of the netlink client are independent of each other. The netlink
- * client knows one way to fail: through die(), which writes a text to standard error and ends the process with
- * status 1.
- */
+ * The list is process-wide: use it from one thread at a time. Handles of the client are independent of each other.
+ *
+ * Collections and the client fail through die(), which ends the process with status 1, and they wait for the kernel
+ * without a limit. A program that must not end or wait collects in a child process (examples/statusd.c), or uses a
+ * handle of its own with a receive timeout (examples/monitor.c). Messages are trusted: a process with CAP_NET_ADMIN can
+ * send some of its own, and end the process with them (docs/trust.md).
+ * @{ */
 #ifndef DEVFACTS_NET_H
 #define DEVFACTS_NET_H
 
@@ -17,354 +19,300 @@
 
 DEVFACTS_BEGIN_DECLS
 
-/* ---- The list of interfaces ---- */
+/** @defgroup net_list The list of interfaces
+ * @ingroup net
+ * A snapshot of the interfaces of this network namespace, and of their addresses.
+ *
+ * Records and all they point to belong to the list until ifi_free() or ifi_free_all(). A program must not define a
+ * variable `interfaces` of its own: it would take the place of the library's and crash it.
+ *
+ * If the kernel's tables change during a collection, interfaces or addresses can be missing or twice in the list. The
+ * kernel then sets NLM_F_DUMP_INTR in messages, which a callback of your own for nl_recv() can look at before it calls
+ * nl_collect_interface(). If a message does not fit into the receive buffer (see nl_recv()), a part is lost and the
+ * only sign is a warning on standard error.
+ * @{ */
 
-/** A link of a circular, doubly linked list. A head is one too; an empty head or a free link points at itself. */
+/** A link of a circular, doubly linked list. An empty head, and a link in no list, point to themselves. */
 typedef struct list_link {
-  struct list_link *next; /**< the next link, the head behind the last one */
-  struct list_link *prev; /**< the previous link, the head before the first one */
+  struct list_link *next; /**< the next link; after the last one, the head */
+  struct list_link *prev; /**< the previous link; before the first one, the head */
 } list_link;
 
-/** One network interface, as the kernel's link message described it. What the message lacks is zero. */
+/** One network interface, as the kernel's link message describes it. What the message lacks is zero.
+ * The master of a VLAN or macvlan is its lower device, that of a veth its peer (IFLA_LINK), that of others what
+ * iw_parent_name() finds; it is never a bridge. If the master is in another namespace, its index may be that of an
+ * unrelated interface here. The counters have 32 bits and wrap: bytes at 4 GiB. */
 typedef struct ifi_entry {
-  list_link list;                /**< link in ::interfaces; first, so that a pointer to it is one to the record */
-  list_link addrs;               /**< head of this interface's ::ipi_entry list, in the kernel's order */
+  list_link list;                /**< link in ::interfaces; the first member, so it can be cast to the record */
+  list_link addrs;               /**< head of the list of ::ipi_entry records, in the kernel's order */
   int32_t index;                 /**< kernel interface index */
-  int32_t master;                /**< index of the parent interface (IFLA_LINK, else iw_parent_name()); 0: none */
-  char *name;                    /**< interface name (IFLA_IFNAME); null where the kernel gave none or memory was out */
-  uint8_t hwaddr[6];             /**< link-layer address (IFLA_ADDRESS): six bytes at most, zero behind a shorter one */
-  uint8_t broadcast[6];          /**< link-layer broadcast address (IFLA_BROADCAST), in the same way */
+  int32_t master;                /**< index of the master, see above; 0: no master */
+  char *name;                    /**< interface name (IFLA_IFNAME); null if absent or without memory */
+  uint8_t hwaddr[6];             /**< link-layer address (IFLA_ADDRESS): its first six bytes */
+  uint8_t broadcast[6];          /**< link-layer broadcast address (IFLA_BROADCAST): its first six bytes */
   uint16_t type;                 /**< link type, an ARPHRD_ value */
   uint32_t txqlen;               /**< transmit queue length in packets (IFLA_TXQLEN) */
   uint32_t flags;                /**< device flags, IFF_UP and so on */
-  struct rtnl_link_stats *stats; /**< the 23 counters (IFLA_STATS), those the kernel did not give zero; null: none */
+  struct rtnl_link_stats *stats; /**< 23 counters (IFLA_STATS); null if absent or without memory */
 } ifi_entry;
 
-/** One address of an interface. */
+/** One address of an interface.
+ * On a point-to-point link addr is the peer's address; the interface's own one is not in the record. Both addresses are
+ * in network order and have at least 16 bytes, zero after their end, and one more NUL. */
 typedef struct ipi_entry {
-  list_link list;     /**< link in the owner's addrs; first, so that a pointer to it is one to the record */
+  list_link list;     /**< link in the owner's addrs; the first member, so it can be cast to the record */
   uint16_t family;    /**< address family: AF_INET, AF_INET6, ... */
   int32_t prefixlen;  /**< prefix length in bits */
-  uint8_t *addr;      /**< the address in network order (IFA_ADDRESS, else IFA_LOCAL); null: none. A NUL
-                           stands behind it, and zeros up to 16 bytes behind a short one */
-  uint8_t *broadcast; /**< the broadcast address (IFA_BROADCAST) in the same form; null: none */
+  uint8_t *addr;      /**< the address (IFA_ADDRESS, else IFA_LOCAL); null if absent or without memory */
+  uint8_t *broadcast; /**< the broadcast address (IFA_BROADCAST); null if absent or without memory */
 } ipi_entry;
 
-/**
- * The list of interfaces: a head of ::ifi_entry records in the kernel's order, empty until it is filled. A walk starts
- * at interfaces.next and ends when it is back at &interfaces.
- *
- * The records and all they point to belong to the list, until ifi_free() or ifi_free_all().
- */
+/** The list: the head of ::ifi_entry records in the kernel's order; empty until it is filled. */
 DEVFACTS_API extern list_link interfaces;
 
-/**
- * The interfaces of this network namespace, without addresses (rtnetlink RTM_GETLINK).
- *
- * An empty list is filled from the kernel; a list that holds a record is returned as it is, however old, and whichever
- * of the two operations filled it. ifi_free_all() before the call gives a fresh picture. An interface without IFLA_LINK
- * has the parent that iw_parent_name() finds; which interfaces have one at all is looked up once a collection.
- *
+/** Walks ::interfaces. @param entry an interface, or null to start. @return the next one; null after the last. */
+static inline ifi_entry *ifi_next(const ifi_entry *entry) {
+  list_link *link = entry != NULL ? entry->list.next : interfaces.next;
+  return link != &interfaces ? (ifi_entry *)link : NULL;
+}
+
+/** Walks the addresses of an interface.
+ * @param entry the interface, not null.
+ * @param address one of its addresses, or null to start.
+ * @return the next address; null after the last. */
+static inline ipi_entry *ipi_next(const ifi_entry *entry, const ipi_entry *address) {
+  list_link *link = address != NULL ? address->list.next : entry->addrs.next;
+  return link != &entry->addrs ? (ipi_entry *)link : NULL;
+}
+
+/** Fills ::interfaces from the kernel (RTM_GETLINK), without addresses, if the list is empty.
+ * A list with a record in it is returned as it is, however old and however filled: call ifi_free_all() first for a new
+ * one. Ends the process as nl_open(), nl_dump(), nl_recv() and ifi_alloc() do.
  * @return &interfaces.
- * Netlink failures and exhausted memory for a record end the process, in the words of the nl_ operations and
- * ifi_alloc(). A name, counters or an address that there is no memory for is left null or out.
- */
+ * @par Example
+ * @code
+ * ifi_free_all();
+ * ifi_get_all_ip();
+ * for (ifi_entry *entry = ifi_next(NULL); entry != NULL; entry = ifi_next(entry)) {
+ *   char text[INET6_ADDRSTRLEN];
+ *   for (ipi_entry *at = ipi_next(entry, NULL); at != NULL; at = ipi_next(entry, at)) {
+ *     if (at->family != AF_INET && at->family != AF_INET6) continue;
+ *     if (ifi_ip_ntop(text, sizeof text, at)) printf("%s %s\n", entry->name ? entry->name : "?", text);
+ *   }
+ * }
+ * @endcode */
 DEVFACTS_API list_link *ifi_get_all(void);
 
-/**
- * The interfaces with their addresses (RTM_GETLINK, then RTM_GETADDR); otherwise as ifi_get_all().
- *
- * An address whose interface is not in the list is dropped.
- *
- * @return &interfaces.
- */
+/** Fills ::interfaces with addresses (RTM_GETLINK, then RTM_GETADDR) if the list is empty; otherwise as ifi_get_all().
+ * An address of an interface that is not in the list is dropped, and so is one without memory.
+ * @return &interfaces. */
 DEVFACTS_API list_link *ifi_get_all_ip(void);
 
-/**
- * Searches the list as it stands; nothing is asked of the kernel.
- *
- * @param name an interface name, not null. A record without a name never matches.
- * @return the first record of that name, null where there is none. It belongs to the list.
- */
+/** Searches ::interfaces for a name; the kernel is not asked. A record without a name never matches.
+ * @param name the name, not null.
+ * @return the first record with that name, which belongs to the list; null if there is no such record. */
 DEVFACTS_API ifi_entry *ifi_find_by_name(const char *name);
 
-/**
- * Searches the list as it stands; nothing is asked of the kernel.
- *
- * @param index a kernel interface index.
- * @return the first record of that index, null where there is none. It belongs to the list.
- */
+/** Searches ::interfaces for a kernel index; the kernel is not asked.
+ * @param index the index.
+ * @return the first record with that index, which belongs to the list; null if there is no such record. */
 DEVFACTS_API ifi_entry *ifi_find_by_index(int32_t index);
 
-/**
- * A new interface record, all zero, its two links pointing at themselves.
- *
- * @return the record, which the caller registers with ifi_register() or ends with ifi_free().
- * Without memory the process ends through die() with "out of memory, %s\n" and the errno text.
- */
+/** Allocates an interface record, all zero, in no list.
+ * @return the record, for ifi_register() or ifi_free(). Without memory, die() with "out of memory, %s\n" and the errno
+ * text. */
 DEVFACTS_API ifi_entry *ifi_alloc(void);
 
-/**
- * A new address record, all zero, its link pointing at itself.
- *
- * @return the record, which the caller hands to ifi_add_addr(); null without memory.
- */
+/** Allocates an address record, all zero, in no list. @return the record, for ifi_add_addr(); null without memory. */
 DEVFACTS_API ipi_entry *ipi_alloc(void);
 
-/**
- * Appends a record to ::interfaces, which owns it from then on. Its name and stats must be null or from malloc.
- *
- * @param entry a record of ifi_alloc() that stands in no list.
- */
+/** Appends an interface to ::interfaces, which then owns it.
+ * @param entry a record of ifi_alloc() in no list; its name and stats are null or from malloc(). */
 DEVFACTS_API void ifi_register(ifi_entry *entry);
 
-/**
- * Appends an address to an interface, which owns it from then on. Its addr and broadcast must be null or from malloc.
- *
+/** Appends an address to an interface, which then owns it.
  * @param entry the interface, registered or not.
- * @param address a record of ipi_alloc() that stands in no list.
- */
+ * @param address a record of ipi_alloc() in no list; its addr and broadcast are null or from malloc(). */
 DEVFACTS_API void ifi_add_addr(ifi_entry *entry, ipi_entry *address);
 
-/**
- * Takes one record out of the list it stands in, if any, and releases it with all it owns. The others keep their order.
- *
- * @param entry a record of ifi_alloc(), not null.
- */
+/** Removes an interface from its list, if it is in one, and releases it with all it owns.
+ * @param entry a record of ifi_alloc(), not null. */
 DEVFACTS_API void ifi_free(ifi_entry *entry);
 
-/** Releases every record of ::interfaces. The list is empty afterwards, so the next collection asks the kernel. */
+/** Releases every record of ::interfaces. The list is then empty, and the next collection asks the kernel. */
 DEVFACTS_API void ifi_free_all(void);
 
-/**
- * Registers the interface that a link message describes: the callback of the link dump.
- *
- * The message's type is not looked at, and no byte behind its nlmsg_len is read: what it lacks is zero in the record.
- *
- * @param message a message with a struct ifinfomsg and its attributes; it is not changed and not kept.
- * @return 0.
- * Ends the process as ifi_alloc() does; warns on standard error as nl_parse_rtattr() does.
- */
+/** Registers the interface that a link message describes: the callback of the link dump.
+ * The type of the message is not checked. Ends the process as ifi_alloc() does.
+ * @param message a message with a struct ifinfomsg and attributes. It is not changed; no byte after its nlmsg_len is
+ * read.
+ * @return always 0. */
 DEVFACTS_API int nl_collect_interface(struct nlmsghdr *message);
 
-/**
- * The parent of a virtual interface: the first line of "/proc/sys/net/NAME/%parent", without the white space at its
- * end.
- *
- * @param name interface name; null gives -1. The path has room for 127 characters and is cut there, so a name that
- *        long gives -1 in practice; the kernel's have 15 at most.
- * @param buffer room for the parent's name.
- * @param size bytes in @p buffer; at most size - 1 characters of the line are read. Below 1 gives -1.
- * @return 0 with the name in @p buffer; -1 where there is no such file or nothing to read in it (@p buffer is as it
- * was).
- */
+/** Reads the parent of a virtual interface: the first line of "/proc/sys/net/NAME/%parent", without the white space at
+ * its end.
+ * @param name the interface, from a source that you trust: "../x" opens another file, a path of more than 127 bytes is
+ * cut and opened, and opening a named pipe waits for its writer. Null is a failure.
+ * @param[out] buffer the parent's name.
+ * @param size bytes in @p buffer; at most size - 1 characters of the line are read.
+ * @return 0; -1 if there is no such file, if it is empty or if @p size is less than 1: @p buffer is unchanged. */
 DEVFACTS_API int iw_parent_name(const char *name, char *buffer, int size);
 
-/* ---- The netstats report ---- */
+/** @} */
 
-/**
- * Prints the list as it stands as one XML document on standard output: the element netstats, in it for each interface
- * name, status ("up" or "down": IFF_UP), master (its name, from if_indextoname()), hwaddr, ipv4 and ipv6 addresses, and
- * the kernel's 23 counters. What there is none of has no line; counters that a
- * record's kernel did not give print as 0.
+/** @defgroup net_report The netstats report
+ * @ingroup net
+ * The list as an XML document on standard output, and its parts.
  *
- * Fill the list with ifi_get_all_ip() first. Values are printed as they are, with no escaping: the kernel accepts
- * interface names that XML does not, such as "a<b&c", and the document is not well-formed where there is one. Write
- * errors are not looked at: ferror(stdout) tells.
- *
- * @param filter prints only the records of exactly this name; null prints all. A record without a name never matches.
- */
+ * Texts are not escaped. The kernel accepts interface names such as "a<b&c": with these the document may not be
+ * well-formed, or may hide other interfaces. Write errors are not reported; ferror(stdout) shows them. A write to a
+ * pipe without a reader raises SIGPIPE.
+ * @{ */
+
+/** Prints ::interfaces as an element netstats, with an element interface for each record (see ifi_dump_detail()).
+ * Fill the list first, with ifi_get_all_ip().
+ * @param filter prints only the records with exactly this name; null prints all. */
 DEVFACTS_API void ifi_dump_all(const char *filter);
 
-/**
- * Prints the items of one interface as ifi_dump_all() does, without the element around them.
- *
- * @param entry the interface, registered or not; its stats, where not null, have room for all 23 counters.
- */
+/** Prints the items of one interface: name, status ("up" or "down", by IFF_UP), master (the name of that index now),
+ * hwaddr, an ipv4 or ipv6 for each address, and the 23 counters by the names of struct rtnl_link_stats.
+ * What is absent has no line, but a counter that the kernel does not have is 0.
+ * @param entry the interface, registered or not. */
 DEVFACTS_API void ifi_dump_detail(const ifi_entry *entry);
 
-/**
- * Prints the line "  <name>value</name>\n" on standard output, unescaped. Unlike xml_str_item() it leaves an absent
- * value out and prints an empty one as it is.
- *
- * @param name the element's name; null prints nothing.
- * @param value the text; null prints nothing.
- */
+/** Prints the line "  <name>value</name>\n". Unlike xml_str_item() it prints an empty value as it is.
+ * @param name the element; if null, nothing is printed.
+ * @param value the text; if null, nothing is printed. */
 DEVFACTS_API void ifi_xml_str_item(const char *name, const char *value);
 
-/**
- * Prints the line "  <name>value</name>\n" on standard output. Unlike in xml_int_item() the number is unsigned.
- *
- * @param name the element's name, not null.
- * @param value the number.
- */
+/** Prints the line "  <name>value</name>\n". Unlike in xml_int_item() the number is unsigned.
+ * @param name the element, not null.
+ * @param value the number. */
 DEVFACTS_API void ifi_xml_int_item(const char *name, uint32_t value);
 
-/**
- * Formats a link-layer address: "02:FC:00:00:00:01", 17 characters and a NUL.
- *
- * @param dst room for the text, which is cut where it does not fit.
+/** Formats a link-layer address: "02:FC:00:00:00:01".
+ * @param[out] dst the text; 18 bytes hold it whole, a smaller buffer gets its start.
  * @param size bytes in @p dst; 0 writes nothing.
  * @param mac six bytes.
- * @return @p dst.
- */
+ * @return @p dst. */
 DEVFACTS_API char *ifi_mac_ntop(char *dst, size_t size, const uint8_t *mac);
 
-/**
- * Formats an IP address with inet_ntop().
- *
- * @param buf room for the text; INET6_ADDRSTRLEN bytes are always enough.
+/** Formats an IP address with inet_ntop().
+ * @param[out] buf the text; INET6_ADDRSTRLEN bytes are enough.
  * @param size bytes in @p buf.
- * @param entry an address of family AF_INET or AF_INET6, or null. For another family, or too little room, @p buf is
- *        returned as it was.
- * @return @p buf, or null where the entry or its addr is null (@p buf is as it was).
- */
+ * @param entry an address, or null.
+ * @return null if @p entry or its addr is null, otherwise @p buf. It is unchanged if it is too small or the family is
+ * neither AF_INET nor AF_INET6: check the family first. */
 DEVFACTS_API char *ifi_ip_ntop(char *buf, size_t size, const ipi_entry *entry);
 
-/* ---- The rtnetlink client ---- */
+/** @} */
 
-/**
- * One rtnetlink socket, in the caller's storage: closed before nl_open() and after nl_close(). It belongs to the
- * caller.
+/** @defgroup net_client The rtnetlink client
+ * @ingroup net
+ * A blocking client for dumps and notifications.
  *
- * The fd is public. A caller may set SO_RCVTIMEO on it to bound the wait of nl_recv(), which otherwise blocks until the
- * kernel answers: when the time is over nl_recv() returns as if the dump had ended.
- */
+ * Every failure but EINTR and EAGAIN ends the process through die(). Requests of your own must not set NLM_F_ACK: the
+ * kernel confirms success with an error message of code 0, which also ends the process.
+ * @{ */
+
+/** A netlink socket, in the caller's storage. A caller may set options on fd, such as SO_RCVTIMEO. */
 typedef struct nl_handle {
   int fd;                   /**< the socket; -1 after nl_close() */
   struct sockaddr_nl local; /**< the socket's own address, as the kernel assigned it */
-  struct sockaddr_nl peer;  /**< zero; no operation uses it */
-  uint32_t seq;             /**< sequence number last used: the time of nl_open(), and 1 more with each nl_dump() */
+  struct sockaddr_nl peer;  /**< zero, unused */
+  uint32_t seq;             /**< last sequence number: the time of nl_open(), plus 1 for each nl_dump() */
   uint32_t dump;            /**< sequence number of the last dump request */
 } nl_handle;
 
-/**
- * Takes one message of a dump. It lies in the receive buffer and is good during the call only.
- *
- * @return anything: nl_recv() does not look at it.
- */
+/** Called for a message, which is valid until the callback returns. There is no context argument: results go to static
+ * variables. @param message the message. @return ignored. */
 typedef int (*nl_callback)(struct nlmsghdr *message);
 
-/**
- * Opens a netlink socket in blocking mode, with socket buffers of 32768 bytes each; it is inherited across exec.
- *
- * @param handle storage; whatever it held is overwritten, so an open one is closed first.
- * @param protocol netlink protocol, 0 (NETLINK_ROUTE) for the rest of this header.
- * @param groups multicast groups to bind to, a bit each.
- *
- * Ends the process through die(), each %s being the errno text, with "Failed to create netlink socket: %s\n",
- * "can't change SO_SNDBUF, %s\n", "can't change SO_RCVBUF, %s\n", "Failed to bind netlink socket: %s\n",
- * "can't getsockname(), %s\n", or "whatever ...\n" when the socket's own address is none of netlink's.
- */
+/** Opens a netlink socket in blocking mode with socket buffers of 32768 bytes. It is inherited across exec().
+ * @param[out] handle overwritten; close an open one first.
+ * @param protocol netlink protocol, NETLINK_ROUTE (0) for this library's own uses.
+ * @param groups multicast groups to join, as bits; 0 for dumps.
+ * @par Failures
+ * die() with "Failed to create netlink socket: %s\n", "can't change SO_SNDBUF, %s\n", "can't change SO_RCVBUF, %s\n",
+ * "Failed to bind netlink socket: %s\n" or "can't getsockname(), %s\n" and the errno text, or with "whatever ...\n" if
+ * the socket has no netlink address. */
 DEVFACTS_API void nl_open(nl_handle *handle, int protocol, uint32_t groups);
 
-/**
- * Sends a request; EINTR is retried.
- *
+/** Sends a request; EINTR is retried.
  * @param handle an open handle.
- * @param buffer the request; it is not kept.
+ * @param buffer the request.
  * @param length its bytes.
- * @return the count that send() gave, which is not compared to @p length.
- * Ends the process through die() with "cannot send netlink request, %s\n" and the errno text.
- */
+ * @return the result of send(), which is not compared with @p length and never negative: if it fails, die() with
+ * "cannot send netlink request, %s\n" and the errno text. */
 DEVFACTS_API int nl_send(nl_handle *handle, const void *buffer, size_t length);
 
-/**
- * Asks for a dump of all address families, with the next sequence number. nl_recv() is run to its end before the next
- * one.
- *
+/** Requests a dump of all address families. Call nl_recv() before the next request on the handle.
  * @param handle an open handle.
- * @param type message type of the request: RTM_GETLINK, RTM_GETADDR, ...
- * @return the count that nl_send() gave: 20. Ends the process as nl_send() does.
- */
+ * @param type message type: RTM_GETLINK, RTM_GETADDR, ...
+ * @return 20, the result of nl_send(); ends the process as that does. */
 DEVFACTS_API int nl_dump(nl_handle *handle, int type);
 
-/**
- * Receives a dump and hands each of its messages to a callback, NLMSG_NOOP and NLMSG_OVERRUN included.
- *
- * It returns at NLMSG_DONE, dropping what follows in the datagram, and at EAGAIN: a handle whose fd is non-blocking or
- * has a receive time-out (SO_RCVTIMEO) thereby ends the wait early, with no sign of it. EINTR is retried; a signal
- * therefore starts a time-out afresh. Replies are not matched to the request, so a handle serves one dump at a time.
- * The receive buffer is four pages of the caller's stack. What a message claims of its length is never believed beyond
- * the bytes received; a datagram that the buffer cannot hold gives its leading messages and the warning "truncated
+/** Calls the callback for each received message until NLMSG_DONE, which ends a dump, or EAGAIN.
+ * EAGAIN comes from a receive timeout (SO_RCVTIMEO) or a non-blocking fd. The only sign of it is errno: set it to 0
+ * before the call and compare it with EAGAIN afterwards. EINTR is retried, and the timeout starts again. Replies are
+ * not matched to the request, so one handle serves one dump at a time. NLMSG_NOOP and NLMSG_OVERRUN are passed on; what
+ * follows NLMSG_DONE in its datagram is dropped. The receive buffer is four pages on the caller's stack: 16 KiB with
+ * pages of 4 KiB. Of a larger datagram the whole messages at its start are passed on, with the warning "truncated
  * message ?\n" on standard error.
- *
  * @param handle an open handle.
- * @param callback called for each message.
- *
- * Ends the process through die() with "recvmsg() failed"; "EOF on netlink, %s\n" and the errno text for an empty
- * datagram; "netlink error message truncated.\n"; "netlink error (%d), %s\n" with the error that the kernel reported
- * and its text; "netlink communication error ...\n" for a reported error of 0; "netlink packet remains %d bytes, not
- * parsed.\n" for a datagram that is no whole number of messages.
- */
+ * @param callback called on this thread, not null.
+ * @par Failures
+ * die() with "recvmsg() failed"; "EOF on netlink, %s\n" and the errno text for an empty datagram; "netlink error (%d),
+ * %s\n" with the error that the kernel reports and its text; "netlink communication error ...\n" if that is 0; "netlink
+ * error message truncated.\n"; "netlink packet remains %d bytes, not parsed.\n" if the messages do not fill the
+ * datagram. */
 DEVFACTS_API void nl_recv(nl_handle *handle, nl_callback callback);
 
-/**
- * Closes the socket and sets fd to -1.
- *
- * @param handle an open handle.
- */
+/** Closes the socket and sets fd to -1. @param handle an open handle. */
 DEVFACTS_API void nl_close(nl_handle *handle);
 
-/**
- * Sorts a block of attributes into a table by type. A later attribute of a type replaces an earlier one; types above
- * @p max are passed over. The type counts with all its 16 bits, NLA_F_NESTED and the like included.
- *
- * @param table room for @p max + 1 pointers: all are cleared, then set to attributes of the block, which stay where
- * they are.
- * @param max highest type wanted.
+/** Sorts a block of attributes into a table by type; of several of one type the last counts.
+ * The type counts with all 16 bits, flags such as NLA_F_NESTED included.
+ * @param[out] table @p max + 1 pointers: null, or into the block.
+ * @param max highest type; higher ones are skipped.
  * @param first the first attribute.
  * @param length bytes in the block.
- * @return 0. A block that is no whole number of attributes is taken as far as it goes, with the warning
- *         "!!!Deficit %d, rta_len=%d\n" on standard error: the bytes left over and the length they claim, 0 where they
- * are too few to hold one.
- */
+ * @return always 0. If whole attributes do not fill the block, the warning "!!!Deficit %d, rta_len=%d\n" with the bytes
+ * that remain and the length that they claim (0 if unknown) goes to standard error. */
 DEVFACTS_API int nl_parse_rtattr(struct rtattr **table, int max, struct rtattr *first, int length);
 
-/**
- * @param attribute an attribute.
- * @return its payload, in place.
- */
+/** Returns the payload of an attribute, in place. @param attribute the attribute. @return its first byte. */
 DEVFACTS_API void *nla_data(const struct rtattr *attribute);
 
-/**
- * @param attribute an attribute.
- * @return bytes in its payload; negative for an attribute that claims to be shorter than its header.
- */
+/** Returns the payload's length. @param attribute the attribute. @return bytes; negative if it is malformed. */
 DEVFACTS_API int nla_length(const struct rtattr *attribute);
 
-/**
- * Copies the start of the payload, without a look at its length: the caller knows that there are as many bytes.
- *
- * @param destination room for @p count bytes.
- * @param attribute an attribute.
- * @param count bytes to copy.
- * @return @p destination.
- */
+/** Copies the start of the payload without checking its length.
+ * @param[out] destination @p count bytes.
+ * @param attribute the attribute.
+ * @param count bytes to copy; the payload has at least as many.
+ * @return @p destination. */
 DEVFACTS_API void *nla_memcpy(void *destination, const struct rtattr *attribute, size_t count);
 
-/**
- * A copy of the payload with a NUL behind it.
- *
- * @param attribute an attribute.
- * @return the copy, which the caller frees; null for an empty payload and without memory.
- */
+/** Copies the payload and adds a NUL.
+ * @param attribute the attribute.
+ * @return the copy, which the caller frees; null for an empty payload and without memory. */
 DEVFACTS_API void *nla_memdup(const struct rtattr *attribute);
 
-/**
- * A copy of the text that the payload holds: up to its first NUL, or all of it where it has none.
- *
- * @param attribute an attribute.
- * @return the copy, which the caller frees; null without memory.
- */
+/** Copies the text in the payload: up to its first NUL, or all of it.
+ * @param attribute the attribute.
+ * @return the copy, which the caller frees; null without memory. */
 DEVFACTS_API char *nla_strdup(const struct rtattr *attribute);
 
-/**
- * @param attribute an attribute.
- * @return the payload's first 32-bit word in host order; bytes that a shorter payload lacks count as zero.
- */
+/** Reads the payload's first four bytes as a number in host order; missing bytes are zero.
+ * @param attribute the attribute.
+ * @return the number. */
 DEVFACTS_API uint32_t nla_get_u32(const struct rtattr *attribute);
 
+/** @} */
+
 DEVFACTS_END_DECLS
+
+/** @} */
 
 #endif

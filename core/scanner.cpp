@@ -5,18 +5,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/layout.h"
 #include "core/number.h"
 #include "core/owner.h"
 #include "core/text.h"
 
 using namespace devfacts;
-
-DEVFACTS_LAYOUT(first_match_u32, 8, 8, .value{}, .found{});
-DEVFACTS_LAYOUT(first_match_string, 8, 16, .value{}, .found{});
-static_assert(sizeof(first_match_u32::found) + sizeof(first_match_string::found) == 2);
-DEVFACTS_LAYOUT(keyval_entry, 8, 16, .value{}, .length{});
-DEVFACTS_LAYOUT(keyval_list, 8, 16, .rows{}, .count{});
 
 namespace {
 

@@ -8,11 +8,8 @@
 #include <cstring>
 
 #include "core/interface_request.h"
-#include "core/layout.h"
 
 using namespace devfacts;
-
-DEVFACTS_LAYOUT(eth_status, 16, 16, .speed{}, .duplex{}, .link{}, .supported{}, .perm_addr{});
 
 namespace {
 

@@ -9,10 +9,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "core/layout.h"
-
 static_assert(sizeof(sockaddr_nl) == 12 && sizeof(nlmsghdr) == 16 && sizeof(nlmsgerr) == 20);
-DEVFACTS_LAYOUT(nl_handle, 36, 36, .fd{}, .local{}, .peer{}, .seq{}, .dump{});
 
 namespace {
 

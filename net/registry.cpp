@@ -7,16 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/layout.h"
 #include "net/list.h"
 
 using namespace devfacts;
-
-DEVFACTS_LAYOUT(list_link, 8, 16, .next{}, .prev{});
-DEVFACTS_LAYOUT(ifi_entry, 56, 80, .list{}, .addrs{}, .index{}, .master{}, .name{}, .hwaddr{}, .broadcast{}, .type{},
-                .txqlen{}, .flags{}, .stats{});
-DEVFACTS_LAYOUT(ipi_entry, 24, 40, .list{}, .family{}, .prefixlen{}, .addr{}, .broadcast{});
-static_assert(sizeof(ipi_entry::family) == 2);
 
 constinit list_link interfaces{&interfaces, &interfaces};
 

@@ -9,33 +9,12 @@
 #include <memory>
 #include <utility>
 
-#include "core/layout.h"
 #include "core/owner.h"
 #include "platform/cfg_store.h"
 #include "product/capability_tables.h"
 #include "product/product_file.h"
 
 using namespace devfacts;
-
-DEVFACTS_LAYOUT(caps_string, 8, 16, .value{}, .present{});
-DEVFACTS_LAYOUT(caps_u32, 8, 8, .value{}, .present{});
-DEVFACTS_LAYOUT(caps_bool, 8, 8, .value{}, .present{});
-static_assert(sizeof(caps_string::present) + sizeof(caps_u32::present) + sizeof(caps_bool::present) == 3);
-DEVFACTS_LAYOUT(caps_freq_range, 56, 80, .range{}, .low{}, .high{}, .max_eirp{}, .max_txpower{}, .max_width{},
-                .dfs_required{}, .range_limits{});
-DEVFACTS_LAYOUT(caps_radio, 104, 136, .master{}, .ieee_band{}, .allowed_modulations{}, .txpower_offset{},
-                .min_txpower{}, .antenna_gain{}, .ignore_crr{}, .cpe_fixed_channels{}, .frequency_offset{},
-                .range_count{}, .ranges{}, .band_edge_low{}, .band_edge_middle{}, .band_edge_high{});
-DEVFACTS_LAYOUT(caps_limit_freq, 40, 72, .frequency{}, .dfs_required{}, .max_txpower{}, .max_eirp{}, .allowed_widths{});
-DEVFACTS_LAYOUT(caps_limit_table, 16, 32, .table_name{}, .freq_count{}, .freqs{});
-DEVFACTS_LAYOUT(caps_led, 16, 32, .devname{}, .name{});
-DEVFACTS_LAYOUT(product_caps_t, 124, 232, .loaded{}, .id{}, .name{}, .hardware{}, .enterprise_name{}, .countrycode{},
-                .enterprise_oid{}, .radio_count{}, .radios{}, .limit_table_count{}, .limit_tables{}, .led_power_name{},
-                .led_blinkled_name{}, .led_lan_count{}, .led_lan{}, .led_rssi_count{}, .led_rssi{}, .protocol_name{},
-                .pppoe_filter_control{}, .arpnat_behind_dhcp_snooper{});
-
-// The slots that we call are the first, the second and the eighth.
-static_assert(offsetof(cfg_iterator, index) == sizeof(void *) && offsetof(cfg_iterator, value) == 7 * sizeof(void *));
 
 constinit product_caps_t product_caps{};
 

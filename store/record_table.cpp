@@ -5,14 +5,11 @@
 #include <cstring>
 #include <utility>
 
-#include "core/layout.h"
 #include "store/type_size.h"
 
 using namespace devfacts;
 
 constinit record_table devfacts::eeprom_table = {0, nullptr};
-
-DEVFACTS_LAYOUT(eeprom_record, 4, 4, .length{}, .id{});
 
 namespace {
 

@@ -6,13 +6,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/layout.h"
 #include "wireless/proc_path.h"
 
 using namespace devfacts;
-
-DEVFACTS_LAYOUT(iw_peer_entry, 20, 20, .mac{}, .rssi0{}, .rssi1{}, .rssi2{});
-DEVFACTS_LAYOUT(iw_peers_list, 8, 16, .count{}, .rows{});
 
 namespace {
 

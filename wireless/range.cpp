@@ -14,19 +14,6 @@
 
 using namespace devfacts;
 
-static_assert(sizeof(iw_range_freq) == 16);
-static_assert(offsetof(iw_range_freq, m) == 0);
-static_assert(offsetof(iw_range_freq, e) == 4);
-static_assert(offsetof(iw_range_freq, channel) == 8);
-
-static_assert(sizeof(iw_range_record) == 4392);
-static_assert(offsetof(iw_range_record, num_bitrates) == 52);
-static_assert(offsetof(iw_range_record, bitrate) == 56);
-static_assert(offsetof(iw_range_record, unused184) == 184);
-static_assert(offsetof(iw_range_record, num_frequency) == 306);
-static_assert(offsetof(iw_range_record, freq) == 308);
-static_assert(offsetof(iw_range_record, unused4388) == 4388);
-
 static_assert(std::size(iw_range_record{}.bitrate) == std::size(iw_status{}.bit_rates));
 
 namespace {

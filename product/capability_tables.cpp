@@ -2,7 +2,8 @@
 
 #include <cstdio>
 
-namespace devfacts {
+using namespace devfacts;
+
 namespace {
 
 // Declared for the three slots only: a field of any other type does not compile.
@@ -127,6 +128,4 @@ constexpr caps_section sections[] = {
 
 }  // namespace
 
-constinit const std::span<const caps_section> caps_sections = sections;
-
-}  // namespace devfacts
+constinit const std::span<const caps_section> devfacts::caps_sections = sections;

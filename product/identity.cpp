@@ -8,7 +8,7 @@
 
 #include "core/owner.h"
 
-using devfacts::unique_file;
+using namespace devfacts;
 
 namespace {
 

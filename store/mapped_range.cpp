@@ -9,9 +9,9 @@
 
 #include "store/file_status.h"
 
-namespace {
+using namespace devfacts;
 
-using devfacts::file_status;
+namespace {
 
 // A file system that does not know its holes reports the first one at the file's end. Then the number of blocks shows
 // whether there can be any.

@@ -11,10 +11,10 @@
 
 #include "platform/builtin/key_table.h"
 
-using devfacts::indexed_value;
+using namespace devfacts;
 
 struct cfg_store {
-  devfacts::key_table keys;
+  key_table keys;
 };
 
 namespace {

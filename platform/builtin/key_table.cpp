@@ -13,7 +13,8 @@
 
 #include "core/text.h"
 
-namespace devfacts {
+using namespace devfacts;
+
 namespace {
 
 // Opened without waiting, so that a pipe is refused like all else that is no file.
@@ -167,5 +168,3 @@ std::span<const indexed_value> key_table::find_indices(std::string_view prefix, 
   const auto first = std::ranges::lower_bound(indices, first_place, {}, &indexed_value::at);
   return {first, std::ranges::upper_bound(first, indices.end(), last_place, {}, &indexed_value::at)};
 }
-
-}  // namespace devfacts

@@ -17,7 +17,7 @@ using namespace devfacts;
 
 namespace {
 
-constexpr uint32_t receive_size = 1600;
+constexpr uint32_t receive_size = sizeof(socket_container) + SOCKET_PAYLOAD_MAX;
 
 bool bind_to(int fd, const char *path) {
   const socket_address address(path);

@@ -257,15 +257,15 @@ DEVFACTS_API int nl_dump(nl_handle *handle, int type);
  * before the call and compare it with EAGAIN afterwards. EINTR is retried, and the timeout starts again. Replies are
  * not matched to the request, so one handle serves one dump at a time. NLMSG_NOOP and NLMSG_OVERRUN are passed on; what
  * follows NLMSG_DONE in its datagram is dropped. The receive buffer is four pages on the caller's stack: 16 KiB with
- * pages of 4 KiB. Of a larger datagram the whole messages at its start are passed on, with the warning "truncated
- * message ?\n" on standard error.
+ * pages of 4 KiB. Of a larger datagram the whole messages at its start are passed on, and standard error gets the
+ * warning "truncated message ?\n".
  * @param handle an open handle.
  * @param callback called on this thread, not null.
  * @par Failures
- * die() with "recvmsg() failed"; "EOF on netlink, %s\n" and the errno text for an empty datagram; "netlink error (%d),
- * %s\n" with the error that the kernel reports and its text; "netlink communication error ...\n" if that is 0; "netlink
- * error message truncated.\n"; "netlink packet remains %d bytes, not parsed.\n" if the messages do not fill the
- * datagram. */
+ * die() with "recvmsg() failed"; with "EOF on netlink, %s\n" and the errno text for an empty datagram; with
+ * "netlink error (%d), %s\n", the error that the kernel reports and its text; with "netlink communication error ...\n"
+ * if that error is 0; with "netlink error message truncated.\n"; with "netlink packet remains %d bytes, not parsed.\n"
+ * if the messages do not fill the datagram. */
 DEVFACTS_API void nl_recv(nl_handle *handle, nl_callback callback);
 
 /** Closes the socket and sets fd to -1. @param handle an open handle. */

@@ -1,14 +1,14 @@
-/*
- * devfacts/transport.h - messages between the processes of one device, over a named Unix datagram socket.
+/** @defgroup transport Local messages
+ * Messages between the processes of one device, over a named Unix datagram socket.
  *
- * One datagram is one message: its length in bytes, 32 bits in host order and never 0, then as many bytes of payload.
- * A receiver holds no state beyond its descriptor, so that several can be served; the sender has one connection in the
- * whole process. Use each receiver, and the sender, from one thread at a time.
+ * A datagram holds one message: the payload's length in bytes, as 32 bits in host order, then the payload of 1 to
+ * SOCKET_PAYLOAD_MAX bytes. Use the sender, and each receiver, from one thread at a time. No call ends the process or
+ * raises a signal. Who may send is decided by the folder and the mode of the socket, which the umask sets; the sender
+ * does not check who receives. Pointers are not null unless it says so.
  *
- * Failures go to the logging library, with a level: 1 where a receiver's name cannot be given to it, and where a
- * message cannot be made or sent, 2 for corrupted input, 4 where receiving fails; those of connecting go to standard
- * error, and a socket that cannot be had is not reported. No call ends the process, and errno is not kept.
- */
+ * Errors go to the logging library (devfacts/platform/log.h), except for those of connecting, which go to standard
+ * error. errno is changed.
+ * @{ */
 #ifndef DEVFACTS_TRANSPORT_H
 #define DEVFACTS_TRANSPORT_H
 
@@ -18,101 +18,99 @@
 
 DEVFACTS_BEGIN_DECLS
 
-/* ---- The receiver: make the socket, read it whenever select() finds it readable, shut it down ---- */
+enum {
+  SOCKET_PAYLOAD_MAX = 1596 /**< largest payload in bytes that a receiver takes; 4 bytes more make a datagram */
+};
 
-/**
- * Gets one message; what it returns is ignored.
+/** @defgroup transport_receiver The receiver
+ * @ingroup transport
+ * Makes a socket, reads messages when it is readable, and removes it.
  *
- * @param payload the message, good until this call returns: the next one is received into the same place.
- * @param length its bytes, 1 to 1596.
- */
+ * socket_read() is for a loop with select(). It has no limit of its own: it continues while senders keep the queue
+ * filled. A loop with timers or epoll calls socket_input_read_single() and socket_input_extract() a limited number of
+ * times a turn instead (examples/receiver.c).
+ * @{ */
+
+/** Called for each message. It must not end its receiver: set a flag, and shut down after socket_read() has returned.
+ * @param payload the message, valid until the callback returns.
+ * @param length its bytes, 1 to SOCKET_PAYLOAD_MAX.
+ * @return ignored. */
 typedef int (*socket_callback)(const void *payload, uint32_t length);
 
-/**
- * Makes the named socket that messages arrive at. Whatever stood at the path is removed, be it a socket or not.
- *
- * @param path where to put it, not empty, at most 107 characters.
- * @return its descriptor, in blocking mode and inherited across exec; the caller ends it with
- * socket_input_shutdown(). -1 where no socket can be made, which is not logged, and where the name cannot be given to
- * it (level 1: "Cannot create '%s' UNIX socket.\n" with the path and errno). A longer path counts as the latter, with
- * ENAMETOOLONG, and nothing is removed.
- */
+/** Makes the named socket of a receiver. Whatever file is at the path is removed first.
+ * @param path 1 to 107 characters.
+ * @return a descriptor in blocking mode, inherited across exec(), for socket_input_shutdown(). -1 if no socket can be
+ * made (not logged), or if it cannot get the name: level 1, "Cannot create '%s' UNIX socket.\n" with the path and
+ * errno. A longer path is the latter, with ENAMETOOLONG, and nothing is removed. */
 DEVFACTS_API int socket_input_init(const char *path);
 
-/**
- * Removes the socket from the file system and closes it.
- *
- * @param fd what socket_input_init() returned. With a negative one nothing happens.
- * @param path where it stands. With null nothing happens, and the descriptor stays open.
- */
+/** Removes the socket from the file system and closes it.
+ * @param fd the receiver's descriptor; if negative, nothing happens.
+ * @param path its path. Whatever is there is removed, even if it is the socket of a newer receiver. If null, nothing
+ * happens, and the descriptor stays open. */
 DEVFACTS_API void socket_input_shutdown(int fd, const char *path);
 
-/**
- * Empties the socket's queue without waiting: each waiting message goes to the callback, in the order of arrival.
- *
- * A datagram of 1 to 3 bytes, with a length of 0, or with one of more bytes than arrived is dropped (level 2:
- * "Corrupted input from socket!!!\n"); a message of more than 1596 bytes arrives cut, and is one of these. Bytes
- * behind the length are ignored. An empty datagram and a failing receive (as socket_input_read_single() logs it) end
- * the call; what waits behind them is left to the next one. Nothing is allocated.
- *
- * @param fd the receiver's descriptor. Negative, or of FD_SETSIZE and above: it counts as not in the set.
- * @param read_set the set in which select() left the readable descriptors. Without the descriptor in it the socket is
- * not touched.
- * @param callback gets each message, on this thread, before the next is received.
- * @return always 0.
- */
+/** Calls the callback for each waiting message, in the order of arrival, without waiting for more.
+ * A datagram without a message (see socket_input_extract()) is dropped: level 2, "Corrupted input from socket!!!\n".
+ * One with a larger payload than SOCKET_PAYLOAD_MAX is cut, and so dropped. The call ends at an empty datagram or a
+ * failed receive, and what follows waits for the next call.
+ * @param fd the receiver's descriptor; if negative or from FD_SETSIZE on, nothing happens.
+ * @param read_set what select() returned; if the descriptor is not in it, nothing happens.
+ * @param callback called on this thread.
+ * @return always 0. */
 DEVFACTS_API int socket_read(int fd, const fd_set *read_set, socket_callback callback);
 
-/**
- * Receives one datagram without waiting, and without a look at it. An interruption by a signal starts it anew.
- *
+/** Receives one datagram without waiting and without checking it; EINTR is retried.
  * @param fd the receiver's descriptor.
- * @param buffer room for the datagram, which is cut where it does not fit.
+ * @param[out] buffer the datagram, which is cut if it does not fit: SOCKET_PAYLOAD_MAX + 4 bytes are enough.
  * @param size bytes in @p buffer.
- * @return bytes received; 0 for an empty datagram, where none waits, and where receiving fails (level 4: "Failed
- * recieving data from the socket\n" with errno).
- */
+ * @return bytes received. 0 if no datagram waits, if it is empty, and on failure: level 4,
+ * "Failed recieving data from the socket\n" with errno. */
 DEVFACTS_API int socket_input_read_single(int fd, void *buffer, uint32_t size);
 
-/**
- * The message in a received datagram.
- *
- * @param buffer the datagram, at any alignment; null counts as none.
+/** Returns the message in a received datagram. Bytes after the payload are ignored.
+ * @param buffer the datagram, at any alignment, or null.
  * @param size bytes received.
- * @param length_out gets the payload's length in bytes, 0 where there is no payload.
- * @return the payload, in place; null for a datagram of less than 4 bytes, and where its length is 0 or more than the
- * bytes behind it.
- */
+ * @param[out] length_out the payload's bytes; 0 without a payload.
+ * @return the payload, in place; null if the datagram has less than 4 bytes, or if its length is 0 or more than the
+ * bytes after it. */
 DEVFACTS_API const void *socket_input_extract(const void *buffer, uint32_t size, uint32_t *length_out);
 
-/* ---- The sender ---- */
+/** @} */
 
-/**
- * Sends one message. The first call connects, and the connection stays open for the process and its children, until
- * sending (not the wait for it) meets an error that is neither an interruption nor a full queue, such as a receiver
- * that has gone: the next call then connects anew. While it is open, the path does not count. Nobody but the library
- * may close its descriptor.
+/** @defgroup transport_sender The sender
+ * @ingroup transport
+ * One connection of the process, which sends messages.
  *
- * The call waits at most 2 seconds for room in the receiver's queue, with select(), or with poll() where its descriptor
- * is FD_SETSIZE or above. A message that failed is lost: nothing is sent again. No signal is raised.
+ * The connection opens with the first message, to the path of that call; while it is open, other paths are ignored. It
+ * is inherited by fork() and exec(): an error in one process ends it for all. It ends if sending fails with anything
+ * but EINTR or EAGAIN, such as after the receiver's restart: that message is lost, and the next call connects again. A
+ * program that closes the connection's descriptor, for example with all others, can send nothing more, or worse: the
+ * next file with that number may be closed.
+ * @{ */
+
+/** Sends one message. The result 0 does not mean that it was sent.
+ * If no socket can be made (not reported), or if it cannot connect ("Socket write error" and the errno text on standard
+ * error), nothing is sent and the result is 0. Set errno to 0 before the call: the message is in the receiver's queue
+ * for certain only if the result and errno are 0 (examples/sender.c). A signal can leave EINTR although it was sent.
+ * Nothing shows whether it is read.
  *
+ * The call waits at most 2 seconds for a full queue, and does not try again: -1 can come at once, if another sender
+ * fills the queue after the wait. If O_NONBLOCK cannot be set, it can wait longer; standard error then gets
+ * "set_nonblock: can't fcntl(F_GETFL) socket" or "set_nonblock: can't fcntl(F_SETFL) socket" and the errno text.
  * @param data the payload, which is copied.
- * @param size its bytes; a receiver of this library takes up to 1596.
+ * @param size its bytes. A receiver drops more than SOCKET_PAYLOAD_MAX.
  * @param path the receiver's socket, at most 107 characters; a longer one fails to connect with ENAMETOOLONG.
- * @return 0 when it was sent, and also when there was no socket to be had (not reported) or it could not connect
- * ("Socket write error" and the errno text on standard error): nothing was sent then, and nothing is open.
- *
- * -1, logged at level 1, in these cases: null data or a size of 0 ("Wrong parameters\n") and exhausted memory ("Failed
- * memory allocation\n"), each followed by "Unable create data container for sending data to the socket\n", before
- * anything is connected; no room in time, a failing wait, and a message not sent or not whole ("Failed writing to
- * socket\n").
- *
- * A connection that cannot be made non-blocking is used as it is, so that sending may wait for longer; "set_nonblock:
- * can't fcntl(F_GETFL) socket" or "set_nonblock: can't fcntl(F_SETFL) socket" and the errno text tell so on standard
- * error.
- */
+ * @return 0, see above. -1, logged at level 1, if @p data is null or @p size 0 ("Wrong parameters\n"), without memory
+ * ("Failed memory allocation\n"), both followed by
+ * "Unable create data container for sending data to the socket\n", and if the message was not sent whole
+ * ("Failed writing to socket\n"). */
 DEVFACTS_API int socket_write(const void *data, uint32_t size, const char *path);
 
+/** @} */
+
 DEVFACTS_END_DECLS
+
+/** @} */
 
 #endif

@@ -1,17 +1,16 @@
-/*
- * devfacts/store.h - the factory records: a table of numbered records in memory, and its stored image in a flash
- * partition or a file.
+/** @defgroup store Factory records
+ * A table of numbered records in memory, and its stored image in a flash partition or a file.
  *
- * The table is process-wide and without a lock, and so is the store: use them from one thread, and from one process at
- * a time. Nothing here ends the process, unless it may not write files of 64 KiB (see "The store" below). Payloads are
- * bytes; what a record holds is between the programs that share it.
- *
- *   eeprom_init();                        the table as it was stored
- *   eeprom_get(5, &data, &count);         a look at a record
- *   eeprom_update(5, data, sizeof data);  another one in its place
- *   eeprom_write();                       the table is stored
- *   eeprom_free();
- */
+ * Table and store are process-wide: use them from one thread and from one process at a time. Payloads are bytes, whose
+ * meaning is the programs' business.
+ * @code
+ * eeprom_init();                        // the table as it was stored
+ * eeprom_get(5, &data, &count);         // reads a record
+ * eeprom_update(5, data, sizeof data);  // replaces it in the table
+ * eeprom_write();                       // stores the table
+ * eeprom_free();
+ * @endcode
+ * @{ */
 #ifndef DEVFACTS_STORE_H
 #define DEVFACTS_STORE_H
 
@@ -20,140 +19,118 @@
 
 DEVFACTS_BEGIN_DECLS
 
-/* ---- The table ---- */
+/** @defgroup store_table The table
+ * @ingroup store
+ * Records in memory. Changes reach the store only with eeprom_write().
+ * @{ */
 
-/**
- * A record of the table. Its payload stands behind it, at record + 1: length - 4 bytes, at least one, then zeros up to
- * a multiple of 4 and at least one zero in any case, so a payload that holds text is terminated.
- */
+/** A record of the table. Its payload follows it, at record + 1: length - 4 bytes, at least one, then zeros up to a
+ * multiple of 4, and in any case one zero, so that a text is terminated. */
 typedef struct eeprom_record {
-  uint16_t length; /**< bytes in the payload, and 4 for these two fields */
+  uint16_t length; /**< bytes in the payload, plus 4 for these two fields */
   uint16_t id;     /**< 0 to 65534 */
 } eeprom_record;
 
-/**
- * Takes one record of a walk. It belongs to the table and is good until that record is replaced or deleted, or
- * eeprom_free().
- *
- * @return anything: eeprom_for_each() does not look at it.
- */
+/** Called for each record. @param record belongs to the table, until it is replaced or deleted. @return ignored. */
 typedef int (*eeprom_callback)(const eeprom_record *record);
 
-/**
- * Puts a copy of the bytes into the table, in the place of the record of that id, which is released first.
- *
- * A table without room for the id grows to twice the id (65535 slots at most); one without slots gets them, for id 0 as
- * well. The store is as it was until eeprom_write().
- *
+/** Puts a copy of the bytes into the table, in place of the record with that id.
+ * Without a slot for the id the table grows to twice the id, at most 65535 slots.
  * @param id 0 to 65534.
- * @param data the bytes, not a part of the record that is replaced. Not looked at where @p size is 0.
- * @param size their number, at most 65531. With 0 nothing happens, whatever the id is: an old record stays.
- * @return 0; -1 for an id or size beyond that, or without memory for the slots (the table is as it was); -1 without
- * memory for the record (the old one of that id is gone).
- */
+ * @param data the bytes, not a part of the record that is replaced; ignored if @p size is 0.
+ * @param size at most 65531. If 0, nothing happens, whatever the id: an old record stays.
+ * @return 0. -1 if the id or size is not allowed, or without memory for slots: the table is unchanged. -1 without
+ * memory for the record: the old one is lost. */
 DEVFACTS_API int eeprom_update(int32_t id, const void *data, uint32_t size);
 
-/**
- * Looks a record up and counts its elements, whose size is fixed for each id: in bytes, for ids from 0 on,
- * 0 1 1 1 1 4 1 8 8 4 | 4 1 4 4 4 2 4 1 1 1 | 1 0 0 0 0 1 12 12 6 6 | 1 1 1 1 1 0. Where it is 0 none are counted.
- *
- * @param id 0 to 35. Records of other ids are for eeprom_for_each() alone.
- * @param data_out always written: the payload, which belongs to the table and is good until the record is replaced or
- *        deleted, or eeprom_free(); null where there is no such record.
- * @param count_out always written: the whole elements in it, a remainder left out; 0 where there is no such record.
- * @return 1 where there is at least one element; 0 otherwise, with the payload all the same where there is a record.
- */
+/** Returns a record's payload and counts its elements.
+ * An element has 1 byte in the records 1 to 4, 6, 11, 17 to 20, 25 and 30 to 34; 2 bytes in 15; 4 in 5, 9, 10, 12 to 14
+ * and 16; 6 in 28 and 29; 8 in 7 and 8; 12 in 26 and 27. In 0, 21 to 24 and 35 nothing is counted.
+ * @param id 0 to 35. Of other ids no record is found; eeprom_for_each() has them.
+ * @param[out] data_out always written: the payload, which belongs to the table until the record is replaced or deleted;
+ * null if there is no record.
+ * @param[out] count_out always written: the number of whole elements.
+ * @return 1 if there is at least one element; otherwise 0, even if there is a payload. */
 DEVFACTS_API int eeprom_get(int32_t id, const void **data_out, uint32_t *count_out);
 
-/**
- * Releases a record; without one of that id nothing happens. The store is as it was until eeprom_write().
- *
- * @param id any number.
- */
+/** Releases a record. @param id any number; if it has no record, nothing happens. */
 DEVFACTS_API void eeprom_delete(uint32_t id);
 
-/** Releases all records and the table's slots. Without any, nothing happens. The store stays as it is. */
+/** Releases all records and the slots of the table; the store is unchanged. */
 DEVFACTS_API void eeprom_free(void);
 
-/**
- * Hands each record to a callback, in ascending order of the ids.
- *
- * The callback may change the table: it gets a record that was added behind its place, and none that was deleted.
- *
- * @param callback called for each record, on this thread.
- */
+/** Calls the callback for each record, in ascending order of ids.
+ * @param callback called on this thread. It may change the table: added records with a higher id follow, deleted ones
+ * do not. */
 DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
 
-/* ---- The store ----
- *
- * The store is the flash partition "Factory", where the device has one (mtd_block_find()), or else the file
- * /var/cfg/.eeprom. The file is made where its folder exists, by reading, too; at each use it is sized to 65536 bytes
- * (which ends a process whose RLIMIT_FSIZE is below that) and gets the mode 0644, if it has not both already: its times
- * then stay as they are until a byte of it changes. Failures go to standard error: "open() failed", "ftruncate()
- * failed", "fchmod() failed", each with the text of errno as perror() writes it; only the first is the end of it.
- *
- * Power cuts. eeprom_write() writes over the one stored image in place, there is no second copy, and no checksum tells
- * a torn image from a whole one. After a power cut, or a process killed, while it writes, the store can hold any
- * mixture of the old bytes and the new ones, and flash that was being erased bytes that are neither. eeprom_init()
- * reads no byte beyond an image whatever it holds, but a mixture can load as good, with records of both, mixed records,
- * or fewer. A caller who minds: write rarely, and only what changed; have a record that holds a checksum of the others,
- * and look at it after eeprom_init(); keep the records in a second place as well, for eeprom_read().
- */
+/** @} */
 
-/**
- * Starts the family: a table of 35 empty slots, filled with the records of the store.
+/** @defgroup store_image The store
+ * @ingroup store
+ * Where the records are stored, and what a power cut does to them.
  *
- * The store is searched for an image of 17 to 65535 bytes at every multiple of 16 bytes, and the first that loads whole
- * is the last that is looked at. Of a damaged one in front of it the records before the damage are in the table, too,
- * where the good one has none of that id; but none of an image that the end of the store cuts short, or whose header is
- * bad.
+ * The store is the flash partition "Factory" if the device has one, otherwise the file /var/cfg/.eeprom. It is opened
+ * for reading and writing even by eeprom_init(), which so needs the permission to write. If its folder exists, the file
+ * is created, sized to 65536 bytes and set to mode 0644 whenever it is not so, and links are followed: /var/cfg must
+ * belong to root alone. "open() failed", "ftruncate() failed" and "fchmod() failed", each with the errno text as
+ * perror() writes it, go to standard error; only the first ends the call. If RLIMIT_FSIZE is below 65536, SIGXFSZ ends
+ * the process.
  *
- * The slots and records that the table held are forgotten, not released: eeprom_free() comes first, where it is not the
- * first call.
+ * eeprom_write() overwrites the one image in place, and the image has no checksum. A power cut or a kill during it can
+ * leave any mixture of old and new bytes, on flash also of neither. No mixture makes eeprom_init() read outside an
+ * image, but most of them load without an error, with records that are old, new, mixed or missing (docs/state.md has
+ * numbers). A program that must notice keeps a record with a checksum of the others, and a second copy in a file of its
+ * own: examples/provision.c does. Write rarely.
+ * @{ */
+
+/** Fills the table with the records of the store.
+ * The store is searched for an image of 17 to 65535 bytes at each multiple of 16 bytes; the first that loads whole ends
+ * the search. An image before byte 4096 therefore hides all that eeprom_write() stores. Of damaged images before it,
+ * the records before the damage stay in the table unless the whole image has their ids.
  *
- * @return 0 if an image was loaded whole; -1 if not: no memory for the slots (the table has none then), no store, no
- * image in it (the table is empty, and can be filled and written), or only damaged ones. About 80 KiB of stack are
- * used.
- */
+ * The records that the table held are forgotten, not released: call eeprom_free() first. They may be the only good copy
+ * left after a failed eeprom_write().
+ * @return 0 if an image was loaded whole. -1 without memory, a store or an image: the table is empty and can be filled.
+ * -1 also with damaged images only: it has the records before the damage.
+ * @par Cost
+ * At least 96 KiB of stack. Of a crafted store up to 4096 times its size is read, once for each possible start. */
 DEVFACTS_API int eeprom_init(void);
 
-/**
- * Merges the image at the start of a file into the table, over the records of the same ids. The file must begin with
- * the image, of at most 65536 bytes; of a damaged one the records before the damage are taken, but none of one that the
- * end of the file cuts short, or whose header is bad. The image's length of stack is used.
- *
- * @param path the file. If it cannot be opened, "cannot open '%s' file, %s\n" goes to standard error, with the path and
- *        the errno text. Other failures are silent.
- */
+/** Adds the records of the image at the start of a file to the table; they replace records with the same ids.
+ * A copy of the whole store is not such a file: its image is at byte 4096. Of a damaged image the records before the
+ * damage are added, but not if it is longer than the file, or than 65536 bytes, or if its header is wrong.
+ * @param path the file. If it cannot be opened, "cannot open '%s' file, %s\n" with the path and the errno text goes to
+ * standard error. Other failures are silent.
+ * @par Cost
+ * As much stack as the image has bytes. */
 DEVFACTS_API void eeprom_read(const char *path);
 
-/**
- * Stores the table as an image at byte 4096 of the store; other bytes of the store stay as they are, and so does the
- * table.
+/** Stores the table as an image at byte 4096 of the store. It returns when the bytes are on the medium (msync()).
+ * Only bytes that differ are written, but flash is erased and rewritten in whole blocks around them.
  *
- * Only bytes that change are written, but flash is erased a block at a time, and bytes around the image with it. The
- * caller gets no word of failure, and should read the store again where it matters. Nothing at all is written of
- * - a table without records: the image of earlier ones stays, and eeprom_init() brings them back;
- * - an image that the store has no room for (61440 bytes in the file; what the partition has behind byte 4096) or that
- * is longer than 65535 bytes, which eeprom_init() would not find: 16 bytes, and each record's length up to a multiple
- * of 4;
- * - a file on a full file system that has promised room which it does not have, as far as its holes or the number of
- * its blocks tell, and a store that cannot be read or mapped.
+ * Failures are silent. To be sure, load the store again and compare, but keep a copy of the records: eeprom_init()
+ * drops the table. Nothing is written
+ * - of a table without records: the old image stays, and eeprom_init() loads it again;
+ * - of an image that does not fit (61440 bytes in the file; in a partition what follows byte 4096) or is longer than
+ *   65535 bytes: 16 bytes, and each record's length up to a multiple of 4;
+ * - if the store cannot be read, or mapped shared (some file systems cannot), or if its file has holes and the file
+ *   system is full.
  *
- * It returns when the bytes are on the medium (msync() with MS_SYNC), unless that failed.
- */
+ * SIGBUS can end the process if another one shortens the store meanwhile or the flash fails. */
 DEVFACTS_API void eeprom_write(void);
 
-/**
- * Opens the block device of a flash partition, /dev/mtdblockN, for reading and writing. /proc/mtd tells its number; of
- * that list the first 2047 bytes count, up to the first line that is not of its form.
- *
- * @param name the partition's name, exactly.
- * @return a descriptor, which the caller closes, and which is inherited across exec; -1 where there is no such
- * partition or it cannot be opened.
- */
+/** Opens the block device of a flash partition, /dev/mtdblockN, for reading and writing.
+ * N comes from the first 2047 bytes of /proc/mtd, up to the first line that is not of its form.
+ * @param name the partition's exact name.
+ * @return a descriptor, inherited across exec(), which the caller closes; -1 if there is no such partition or it cannot
+ * be opened. */
 DEVFACTS_API int mtd_block_find(const char *name);
 
+/** @} */
+
 DEVFACTS_END_DECLS
+
+/** @} */
 
 #endif

@@ -8,6 +8,8 @@ install(TARGETS devfacts devfacts_static ${PLATFORM_TARGETS} EXPORT devfacts
 install(TARGETS devfacts-tool COMPONENT runtime)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright COMPONENT runtime)
 install(DIRECTORY include/devfacts DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+        FILES_MATCHING PATTERN "*.[ch]" PATTERN device EXCLUDE PATTERN page EXCLUDE)
 install(EXPORT devfacts NAMESPACE devfacts:: FILE devfactsTargets.cmake DESTINATION ${package_dir})
 
 configure_package_config_file(cmake/devfactsConfig.cmake.in devfactsConfig.cmake INSTALL_DESTINATION ${package_dir})

@@ -1,4 +1,7 @@
-/* Lists the interfaces with their addresses: cc interfaces.c $(pkg-config --cflags --libs devfacts) */
+/*
+ * interfaces: lists the interfaces with their addresses.
+ * cc -std=c99 -Wall -Wextra -Wpedantic interfaces.c -o interfaces $(pkg-config --cflags --libs devfacts)
+ */
 #include <devfacts/net.h>
 #include <netinet/in.h>
 #include <stdio.h>

@@ -1,0 +1,45 @@
+// Lines for standard output, gathered so that the stream is asked once for many of them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace devfacts {
+
+// A buffer on the stack. What it holds goes out by one write when it is full, at flush() and at its end; a line is
+// never divided between two writes.
+class print_buffer {
+ public:
+  print_buffer() {}  // the text is not cleared
+  print_buffer(const print_buffer &) = delete;
+  print_buffer &operator=(const print_buffer &) = delete;
+  ~print_buffer() { flush(); }
+
+  // A line "  <name>value</name>".
+  void item(const char *name, const char *value) {
+    if (!append(name, value)) flush_and_append(name, value);
+  }
+  void item(const char *name, uint32_t value) { item(name, value, false); }
+  void item(const char *name, int32_t value) {
+    const auto magnitude = static_cast<uint32_t>(value);
+    item(name, value < 0 ? 0 - magnitude : magnitude, value < 0);
+  }
+
+  // A line as it is, with its newline; short ones only.
+  void line(const char *text);
+  static constexpr size_t max_line = 32;
+
+  void flush();
+
+ private:
+  static constexpr size_t capacity = 1024;
+
+  void item(const char *name, uint32_t magnitude, bool is_negative);
+  bool append(const char *name, const char *value);  // false if it does not fit
+  void flush_and_append(const char *name, const char *value);
+
+  size_t size_ = 0;
+  char text_[capacity + sizeof "  <></>\n"];  // what stands beside an item's texts is appended without a look
+};
+
+}  // namespace devfacts

@@ -30,6 +30,7 @@ char *copy(char *to, const char *stop, const char *from) {
 }  // namespace
 
 bool print_buffer::append(const char *name, const char *value) {
+  if (name == nullptr) return false;  // printf says what the C library says of it
   const char *stop = text_ + capacity;
   char *to = text_ + size_;
   *to++ = ' ';

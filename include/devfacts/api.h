@@ -1,6 +1,6 @@
-/*
- * devfacts/api.h - the marks that the public headers put on their declarations.
- */
+/** @defgroup api Marks of declarations
+ * The macros that the public headers put on their declarations.
+ * @{ */
 #ifndef DEVFACTS_API_H
 #define DEVFACTS_API_H
 
@@ -13,7 +13,7 @@
 /** Marks a function that takes a printf format as argument @p f and its values from argument @p v on. */
 #define DEVFACTS_PRINTF(f, v) __attribute__((format(printf, f, v)))
 
-/** Marks a function that C++ knows to throw nothing, where the C library's declaration says so, too. */
+/** Marks a function that the C library declares as not throwing in C++. */
 #if !defined __cplusplus
 #define DEVFACTS_NOTHROW
 #elif __cplusplus < 201103L
@@ -22,12 +22,10 @@
 #define DEVFACTS_NOTHROW noexcept
 #endif
 
-/**
- * @def DEVFACTS_BEGIN_DECLS
- * Stands before declarations with C linkage, in both languages.
+/** @def DEVFACTS_BEGIN_DECLS
+ * Begins declarations with C linkage, in C and C++.
  * @def DEVFACTS_END_DECLS
- * Stands behind them.
- */
+ * Ends them. */
 #ifdef __cplusplus
 #define DEVFACTS_BEGIN_DECLS extern "C" {
 #define DEVFACTS_END_DECLS }
@@ -35,5 +33,7 @@
 #define DEVFACTS_BEGIN_DECLS
 #define DEVFACTS_END_DECLS
 #endif
+
+/** @} */
 
 #endif

@@ -1,10 +1,13 @@
-/*
- * devfacts/wireless.h - what a wireless interface is doing: one status record, filled from the Wireless Extensions
- * ioctls, the driver's files under /proc and the product description; and the table of its peers.
+/** @defgroup wireless Wireless interfaces
+ * The status of a wireless interface and the table of its peers.
  *
- * Nothing here prints, logs or sets errno on purpose. The control socket of ioctl_socket(), the radio limits and the
- * product description that they are read from are process-wide and without a lock: use one thread at a time.
- */
+ * Facts come from the Wireless Extensions ioctls, from the driver's files under /proc and from the product description.
+ * Nothing here prints or logs. Use queries and limits from one thread at a time: the control socket, the limits and the
+ * product description are process-wide.
+ *
+ * No interface name is null, unless it says so. The kernel gets the first 15 characters of a name: a longer one can
+ * address another interface. In the path of a file under /proc a name is used whole, and "../x" is another folder.
+ * @{ */
 #ifndef DEVFACTS_WIRELESS_H
 #define DEVFACTS_WIRELESS_H
 
@@ -15,343 +18,281 @@
 
 DEVFACTS_BEGIN_DECLS
 
-/** A number that the product description may lack. */
+/** @defgroup iw_whole The whole status
+ * @ingroup wireless
+ * One record with all that is known about a wireless interface.
+ * @{ */
+
+/** A number that the product description may lack. It is the decimal number at the start of the key's value: white
+ * space and a sign are allowed, text after it is ignored ("3dBi" is 3). */
 typedef struct iw_limit_value {
-  uint8_t present; /**< 1 if the key is there and a number; 0 otherwise */
+  uint8_t present; /**< 1 if the key has a number that 32 bits hold */
   int32_t value;   /**< the number; means nothing while present is 0 */
 } iw_limit_value;
 
-/** What the product description says about a radio. The units are those of its file. */
+/** What the product description says about a radio. It states no units. */
 typedef struct iw_radio_limits_t {
   iw_limit_value antenna_gain;     /**< radio.N.antenna-gain */
   iw_limit_value txpower_offset;   /**< radio.N.txpower-offset */
   iw_limit_value min_txpower;      /**< radio.N.min-txpower */
   iw_limit_value frequency_offset; /**< radio.N.frequency-offset */
-  const char *allowed_modulations; /**< radio.N.allowed-modulations, else "OFDM"; never null, not to be freed */
-  const char *ieee_band;           /**< radio.N.ieee-band, else "5GHz"; never null, not to be freed */
+  const char *allowed_modulations; /**< radio.N.allowed-modulations, else "OFDM"; not null, not to be freed */
+  const char *ieee_band;           /**< radio.N.ieee-band, else "5GHz"; not null, not to be freed */
 } iw_radio_limits_t;
 
-/**
- * Everything about a wireless interface. The record is the caller's and holds no memory of its own. A value that could
- * not be read has no mark: iw_info() leaves it zero, a single query leaves it as it was.
- */
+/** All that is known about a wireless interface. The record is the caller's and owns no memory.
+ * The access point's address is the first six bytes of ap_addr.sa_data; all 00, and from some drivers all FF or all 44,
+ * means "not associated". From most drivers (int8_t)signal_level is the signal in dBm; others report a relative level.
+ * Warning: limits are those of the first interface that the process asked for, whatever ifname is; see
+ * iw_radio_limits(). */
 typedef struct iw_status {
-  const char *ifname;       /**< the interface name: the very pointer that iw_info() was given */
-  const char *vendor;       /**< what cpu_vendor() says */
-  char ieee_name[17];       /**< the protocol's name, NUL-terminated */
-  char essid[64];           /**< network name of at most 63 bytes; a NUL stands behind it */
-  uint32_t essid_length;    /**< its length as the driver reports it, which may be more than essid holds */
-  uint8_t essid_flags;      /**< low byte of the flags that come with it */
-  uint32_t mode;            /**< operation mode, an index into ::IW_OPERATION_MODE as long as it is below 7 */
-  struct sockaddr ap_addr;  /**< hardware address of the access point */
-  int32_t bit_rate;         /**< current bit rate, in bits per second */
-  int32_t bit_rates[32];    /**< the rates that the driver lists, in its order, in bits per second */
-  double frequency;         /**< current frequency, in the driver's unit (Hz), or a channel number where it gives one */
-  int32_t channel;          /**< number of the current channel */
-  uint8_t signal_level;     /**< signal level, the raw byte */
-  uint8_t noise_level;      /**< noise level, the raw byte */
-  uint32_t encoding_flags;  /**< the kernel's IW_ENCODE_ flags */
-  int32_t txpower;          /**< transmit power in the driver's unit; 0 while it is switched off */
+  const char *ifname;       /**< the interface name: the pointer that was passed to iw_info() */
+  const char *vendor;       /**< cpu_vendor() */
+  char ieee_name[17];       /**< name of the protocol, NUL-terminated */
+  char essid[64];           /**< network name: bytes, also NUL; their number is in essid_length. A NUL follows */
+  uint32_t essid_length;    /**< length that the driver reports; of more than 63 bytes essid has the first 63 */
+  uint8_t essid_flags;      /**< low byte of the flags of the network name */
+  uint32_t mode;            /**< operation mode, see iw_operation_mode2str() */
+  struct sockaddr ap_addr;  /**< access point, see above */
+  int32_t bit_rate;         /**< current bit rate in bit/s */
+  int32_t bit_rates[32];    /**< the driver's rates in bit/s, in its order, up to the first 0 after iw_info() */
+  double frequency;         /**< current frequency in Hz, or a channel number if the driver reports one */
+  int32_t channel;          /**< current channel */
+  uint8_t signal_level;     /**< signal, the raw byte: see above */
+  uint8_t noise_level;      /**< noise, the raw byte in the same form */
+  uint32_t encoding_flags;  /**< IW_ENCODE_ flags, see iw_security_mode2str() */
+  int32_t txpower;          /**< transmit power in the driver's unit; 0 while it is off */
   uint32_t tx_total;        /**< transmitted packets */
   uint32_t tx_retry;        /**< retried packets */
   uint32_t rx_total;        /**< received packets */
   uint32_t rx_errors;       /**< dropped received packets */
-  int64_t state_init;       /**< milliseconds spent in the INIT state */
-  int64_t state_scan;       /**< milliseconds spent in the SCAN state */
-  int64_t state_auth;       /**< milliseconds spent in the AUTH state */
-  int64_t state_assoc;      /**< milliseconds spent in the ASSOC state */
-  int64_t state_run;        /**< milliseconds spent in the RUN state */
-  iw_radio_limits_t limits; /**< what the product description says about the radio */
+  int64_t state_init;       /**< milliseconds in the state INIT */
+  int64_t state_scan;       /**< milliseconds in the state SCAN */
+  int64_t state_auth;       /**< milliseconds in the state AUTH */
+  int64_t state_assoc;      /**< milliseconds in the state ASSOC */
+  int64_t state_run;        /**< milliseconds in the state RUN */
+  iw_radio_limits_t limits; /**< limits of a radio, maybe of another one: see above */
 } iw_status;
 
-/** The operation modes by their number: "Auto", "Ad-Hoc", "Managed", "Master", "Repeater", "Secondary", "Monitor". */
-DEVFACTS_API extern const char *const IW_OPERATION_MODE[7];
-
-/**
- * Fills a whole record: clears it, runs every query below in turn, and closes the control socket.
- *
- * No query that fails stops another: its fields are zero, and a true zero looks the same. For a name that is no
- * wireless interface all is zero but ifname, vendor and limits. Besides the ioctls it reads the driver's files under
- * /proc, and on the process's first call the product description (see iw_radio_limits()).
- *
- * @param status the caller's record.
- * @param name the interface. The record keeps the pointer, so the text stays as long as the record is used.
- * @return always 0.
- * When no control socket can be made the process ends, as told at ioctl_socket().
- */
+/** Fills a whole record: clears it, makes every query below, and closes the control socket.
+ * A query that fails leaves its fields zero, as if zero were the answer: to know, make the single query. The values are
+ * read one after the other, so counters are not of one moment.
+ * Warning: the first call in the process, even with a wrong name, decides the limits for all later ones.
+ * @param[out] status the record.
+ * @param name the interface. The record has the pointer, so the text must stay.
+ * @return always 0; ends the process as ioctl_socket() does.
+ * @par Cost
+ * 13 KiB of stack. */
 DEVFACTS_API int iw_info(iw_status *status, const char *name);
 
-/* ---- Single queries ----
- *
- * Each sends an ioctl through the control socket, which it leaves open: ioctl_close() when done. When no control socket
- * can be made the process ends, as told at ioctl_socket(). Of a name longer than 16 bytes the kernel gets the first 16.
- * A query sets its fields and returns 0, or returns -1 when the kernel or the driver refuses, and writes nothing then
- * unless it says so. The caller owns the record; a query clears nothing else in it.
- */
+/** @} */
 
-/**
- * Tells whether an interface is a wireless one: whether it answers SIOCGIWNAME.
+/** @defgroup iw_query Single queries
+ * @ingroup wireless
+ * One ioctl each, through the control socket.
  *
+ * A query sets its fields of the caller's record and returns 0. If the driver or the kernel refuses, it returns -1,
+ * writes nothing and leaves the ioctl's errno: ENODEV if there is no such interface, ENOTTY if the kernel has no
+ * Wireless Extensions. It clears nothing else in the record, and leaves the control socket open: call ioctl_close() at
+ * the end. If the socket cannot be opened, the process ends as ioctl_socket() says.
+ * @{ */
+
+/** Checks whether an interface is a wireless one: whether it answers SIOCGIWNAME.
  * @param name the interface.
- * @return 1 if it is, 0 if not.
- */
+ * @return 1 if it is, 0 if not, with the ioctl's errno. */
 DEVFACTS_API int iw_capable(const char *name);
 
-/**
- * Sets ieee_name (SIOCGIWNAME); its unused bytes become zero.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets ieee_name (SIOCGIWNAME). @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_ieee_name(iw_status *status, const char *name);
 
-/**
- * Sets essid, essid_length and essid_flags (SIOCGIWESSID). The driver is offered room for 63 bytes. Where it reports
- * more, essid_length says so, and the NUL is the last byte of essid. Bytes behind the NUL stay as they were.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets essid, essid_length and essid_flags (SIOCGIWESSID). The rest of essid stays as it was.
+ * @param status,name record, interface.
+ * @return 0 or -1. */
 DEVFACTS_API int iw_essid(iw_status *status, const char *name);
 
-/**
- * Sets mode (SIOCGIWMODE).
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets mode (SIOCGIWMODE). @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_operation_mode(iw_status *status, const char *name);
 
-/**
- * Sets ap_addr (SIOCGIWAP).
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets ap_addr (SIOCGIWAP). @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_ap_addr(iw_status *status, const char *name);
 
-/**
- * Sets bit_rate (SIOCGIWRATE).
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets bit_rate (SIOCGIWRATE). @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_current_bit_rate(iw_status *status, const char *name);
 
-/**
- * Sets signal_level and noise_level (SIOCGIWSTATS), without any conversion.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets signal_level and noise_level (SIOCGIWSTATS). @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_rssi(iw_status *status, const char *name);
 
-/**
- * Sets encoding_flags (SIOCGIWENCODE). A key that the driver tells is dropped.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets encoding_flags (SIOCGIWENCODE); the key is dropped. @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_encoding_flags(iw_status *status, const char *name);
 
-/**
- * Sets txpower (SIOCGIWTXPOW): 0 where the driver says that transmitting is disabled, its number otherwise, in the
- * driver's unit.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
+/** Sets txpower (SIOCGIWTXPOW): 0 if transmitting is disabled. @param status,name record, interface. @return 0 or -1.
  */
 DEVFACTS_API int iw_txpower(iw_status *status, const char *name);
 
-/* ---- Range, frequency and channel ---- */
+/** @} */
 
-/**
- * Asks the driver for its range record (SIOCGIWRANGE). Of the answer the first 4392 bytes count; what a shorter one
- * lacks is zero. A driver with the kernel's own record fills another layout: its frequencies are not to be read here.
- *
+/** @defgroup iw_range Range, frequency and channel
+ * @ingroup wireless
+ * Queries that need the driver's range record, ::iw_range_record. They fail as @ref iw_query do.
+ * @{ */
+
+/** Reads the range record (SIOCGIWRANGE); what a shorter answer lacks is zero.
+ * Only the device's driver has this layout: from another driver the frequencies mean nothing.
  * @param name the interface.
- * @param range the caller's record; written on success only.
- * @return 0 or -1.
- */
+ * @param[out] range the record.
+ * @return 0 or -1. */
 DEVFACTS_API int get_range_info(const char *name, iw_range_record *range);
 
-/**
- * The number that a mantissa and an exponent of ten stand for.
- *
- * @param freq the kernel's struct iw_freq, or an ::iw_range_freq: an int32_t and behind it an int16_t, in host byte
- * order and at any address.
- * @return mantissa times ten to the exponent.
- */
+/** Computes mantissa times ten to the exponent.
+ * @param freq a struct iw_freq of the kernel or an ::iw_range_freq: an int32_t, then an int16_t, at any address.
+ * @return the number. */
 DEVFACTS_API double iw_freq2double(const void *freq);
 
-/**
- * Sets frequency (SIOCGIWFREQ), and channel to that of the first row of the range record with the very same frequency
- * (SIOCGIWRANGE). Without such a row channel stays as it was, which is no failure.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1. When only the second request fails, frequency is set.
- */
+/** Sets frequency (SIOCGIWFREQ), and channel to that of the first row of the range record with exactly this frequency.
+ * Without such a row channel stays as it was, and the result is 0: clear it first.
+ * @param status,name record, interface.
+ * @return 0 or -1. If only the second request fails, frequency is set.
+ * @par Cost
+ * 13 KiB of stack. */
 DEVFACTS_API int iw_freq_channel(iw_status *status, const char *name);
 
-/**
- * Sets bit_rates to the rates of the range record (SIOCGIWRANGE), 32 at most. Entries behind them stay as they were.
- *
- * @param status,name the record, the interface.
+/** Sets the start of bit_rates to the rates of the range record, at most 32.
+ * Their number is its num_bitrates (get_range_info()). Rates after them stay as they were: clear bit_rates first.
+ * @param status,name record, interface.
  * @return 0 or -1.
- */
+ * @par Cost
+ * 13 KiB of stack. */
 DEVFACTS_API int iw_bitrates(iw_status *status, const char *name);
 
-/**
- * Sends the driver's private channel list request (0x8BED).
- *
+/** Sends the driver's private request for its channel list (0x8BED).
  * @param name the interface.
- * @param first_word what the driver is asked for; it stands in the first four bytes of @p buffer, even on failure.
- * @param buffer room for 2048 bytes, which the driver fills in a form of its own.
- * @return 0 or -1.
- */
+ * @param first_word the request, for the driver: it is put into the first four bytes of @p buffer, even on failure.
+ * @param buffer 2048 bytes, which the driver fills in a form of its own.
+ * @return 0 or -1. */
 DEVFACTS_API int iw_get_channels(const char *name, uint32_t first_word, void *buffer);
 
-/* ---- Counters and states under /proc ----
- *
- * Each reads a file of the driver anew, and needs no control socket. The result is -1, with the field as it was, where
- * the name is null or makes no path of at most 4095 characters, where there is no such file and where the file has no
- * such line. Of several lines that begin with the key the first counts; it has to hold a number that 32 bits hold.
- */
+/** @} */
 
-/**
- * Sets tx_retry: "Retried" in /proc/net/NAME/txstats.
+/** @defgroup iw_counters Counters and states
+ * @ingroup wireless
+ * Numbers from the driver's files under /proc, which each call reads anew.
  *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+ * The first line that begins with the key counts. The result is -1, and the field stays as it was, if the name is null
+ * or too long for a path of 4095 characters, if there is no such file or line, or if its value is not a 32-bit number.
+ * No control socket is needed; with a record for each thread several may run at once. A call takes 5 KiB of stack.
+ * @{ */
+
+/** Sets tx_retry: "Retried" in /proc/net/NAME/txstats. @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_tx_retry(iw_status *status, const char *name);
 
-/**
- * Sets tx_total: "Packets" in /proc/net/NAME/txstats.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets tx_total: "Packets" in /proc/net/NAME/txstats. @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_tx_total(iw_status *status, const char *name);
 
-/**
- * Sets rx_errors: "Dropped" in /proc/net/NAME/rxstats.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets rx_errors: "Dropped" in /proc/net/NAME/rxstats. @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_rx_errors(iw_status *status, const char *name);
 
-/**
- * Sets rx_total: "Packets" in /proc/net/NAME/rxstats.
- *
- * @param status,name the record, the interface.
- * @return 0 or -1.
- */
+/** Sets rx_total: "Packets" in /proc/net/NAME/rxstats. @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_rx_total(iw_status *status, const char *name);
 
-/**
- * Sets the five state times from /proc/net/madwifi/NAME/state_cnt, where they stand in the order INIT, SCAN, AUTH,
- * ASSOC, RUN, as "INIT: 12 msecs".
- *
- * @param status the record, whose ifname says which interface; null there is a failure.
- * @return 0; -1 at the first that cannot be read: those before it are set, the others as they were.
- */
+/** Sets the five state times from /proc/net/madwifi/NAME/state_cnt: "INIT: 12 msecs", then SCAN, AUTH, ASSOC and RUN.
+ * The numbers have 64 bits; one of any number of digits is read into memory.
+ * @param status the record; its ifname is the interface, and null is a failure.
+ * @return 0; -1 at the first that cannot be read: those before it are set. */
 DEVFACTS_API int iw_read_states(iw_status *status);
 
-/**
- * Tells whether a peer is connected to ra0, whatever interface the program asks for otherwise: whether a line of
- * /proc/net/ra0/peers begins with "Peer MAC address".
- *
- * @return 1 if so; 0 if not, if the file cannot be read, and without memory.
- */
-DEVFACTS_API int iw_link_established(void);
+/** @} */
 
-/* ---- Limits ---- */
+/** @defgroup iw_limits Limits
+ * @ingroup wireless
+ * What the product description says about the radio and the country.
+ *
+ * Both functions open the product description, if it is not open; a missing one stays missing for the process, see
+ * @ref product_config.
+ * @{ */
 
-/**
- * Tells what the product description says about a radio: the first one whose radio.N.master is the interface.
- *
- * The process's first call opens the description, as prod_spec_open() does and with all that is said there, and settles
- * the answer for good: later calls copy that, for any interface, and look at no file. Without a description, and where
- * no radio has that master, the four numbers are not present and the two texts "OFDM" and "5GHz"; so is a text that
- * there was no memory to keep. Texts stay good as long as the process lives, even after prod_spec_close().
- *
- * @param limits the caller's record.
- * @param name the interface. A name of more than 16 characters is no radio's master.
- * @return always 0.
- */
+/** Returns the limits of a radio: of the first one whose radio.N.master is the interface.
+ * Warning: the first call in the process, here or by iw_info(), decides for good. All later calls return the same
+ * limits, for any interface. Without a description or such a radio, the numbers are absent and the strings default to
+ * "OFDM" and "5GHz"; a string defaults also without memory for it. The strings are valid until the process ends.
+ * @param[out] limits the record.
+ * @param name the interface; one of more than 16 characters is not found.
+ * @return always 0. */
 DEVFACTS_API int iw_radio_limits(iw_radio_limits_t *limits, const char *name);
 
-/**
- * Tells the country that the product description names; it is opened where it is not open, as prod_spec_open() does.
- *
- * @return the text of product.countrycode in the product description, good until prod_spec_close() and not to be freed;
- * null where there is none.
- */
+/** Returns the country of the product description, product.countrycode.
+ * @return the text, valid until prod_spec_close(), not to be freed; null if there is none. */
 DEVFACTS_API const char *iw_countrycode_limits(void);
 
-/* ---- Words ---- */
+/** @} */
 
-/**
- * @param mode an operation mode.
- * @return its row of ::IW_OPERATION_MODE; null for 7 and above. It is not to be freed.
- */
+/** @defgroup iw_words Words
+ * @ingroup wireless
+ * Words for the numbers of a record; they are constants, not to be freed.
+ * @{ */
+
+/** The operation modes: "Auto", "Ad-Hoc", "Managed", "Master", "Repeater", "Secondary", "Monitor".
+ * A program must not define a variable `IW_OPERATION_MODE` of its own: it would take this one's place and crash it. */
+DEVFACTS_API extern const char *const IW_OPERATION_MODE[7];
+
+/** Names an operation mode. @param mode the mode. @return the row of ::IW_OPERATION_MODE; null from 7 on. */
 DEVFACTS_API const char *iw_operation_mode2str(uint32_t mode);
 
-/**
+/** Names a security mode.
  * @param flags the encoding_flags of a record.
- * @return "off", "restricted" or "open" for 0x8000, 0x4000 or 0x2000, the first of them that is set; null where none
- * is. It is not to be freed.
+ * @return "off", "restricted" or "open" for 0x8000, 0x4000 or 0x2000, the first of these that is set; otherwise null.
  */
 DEVFACTS_API const char *iw_security_mode2str(uint32_t flags);
 
-/**
- * The class of channel width: "turbo" where ieee_name holds a capital T, "quarter" or "half" where the first of
- * bit_rates is 1500000 or 3000000, else "full".
- *
+/** Names the channel width: "turbo" (40 MHz), "quarter" (5), "half" (10) or "full" (20).
+ * It is a guess: turbo if ieee_name has a capital T anywhere, quarter or half if the first of bit_rates is 1500000 or
+ * 3000000, otherwise full.
  * @param status a record with ieee_name and bit_rates.
- * @return one of the four words, not to be freed.
- */
+ * @return the word. */
 DEVFACTS_API const char *iw_bandwidth2str(const iw_status *status);
 
-/* ---- Peers ---- */
+/** @} */
 
-/** A station that is connected to the interface. */
+/** @defgroup iw_peers_group Peers
+ * @ingroup wireless
+ * The stations that are connected to an interface, from the driver's file /proc/net/NAME/peers.
+ * @{ */
+
+/** A station. */
 typedef struct iw_peer_entry {
-  uint8_t mac[6]; /**< its hardware address */
-  int32_t rssi0;  /**< last signal strength on the first receive chain */
+  uint8_t mac[6]; /**< hardware address */
+  int32_t rssi0;  /**< last signal strength on the first receive chain, in the driver's unit */
   int32_t rssi1;  /**< on the second */
   int32_t rssi2;  /**< on the third */
 } iw_peer_entry;
 
-/** A table of peers; it starts with count 0 and rows null. */
+/** A table of stations; count 0 and rows null at the start. */
 typedef struct iw_peers_list {
   uint32_t count;      /**< number of rows */
   iw_peer_entry *rows; /**< the rows, until iw_peers_free(); null while count is 0 */
 } iw_peers_list;
 
-/**
- * Adds a row for each peer in /proc/net/NAME/peers, in the order of the file.
- *
- * "Peer MAC address: 00:11:22:33:44:55" begins a peer; "Rx last RSSI0: -60" and so on behind it are its own. What the
- * file does not say of a peer is zero. A line that cannot be split (see core.h) ends the table. A file that cannot be
- * read, and a name that makes no path of at most 255 characters, add nothing.
- *
- * @param list the caller's table. Rows of an earlier call stay before the new ones. Without memory for a row it is
- * empty, all rows released.
- * @param name the interface; null stands for ra0.
- * @return always 0.
- */
+/** Adds a row for each peer of an interface, in the order of the file.
+ * "Peer MAC address: 00:11:22:33:44:55" begins a peer, "Rx last RSSI0: -60" and so on belong to it; what is missing is
+ * zero. A line that cannot be split (see @ref core_lines) ends the table. A file that cannot be read, and a path of
+ * more than 255 characters, add nothing.
+ * @param list rows of an earlier call stay before the new ones, and the last of them gets strengths that the file has
+ * before its first peer: call iw_peers_free() first. Without memory for a row the table becomes empty.
+ * @param name the interface; null is ra0.
+ * @return always 0. */
 DEVFACTS_API int iw_peers(iw_peers_list *list, const char *name);
 
-/**
- * Releases the rows and makes the table empty. The table itself is the caller's.
- *
- * @param list null does nothing.
- */
+/** Releases the rows and makes the table empty. @param list the table; null does nothing. */
 DEVFACTS_API void iw_peers_free(iw_peers_list *list);
 
+/** Checks whether ra0 has a peer, whatever interface the program otherwise asks for: whether a line of
+ * /proc/net/ra0/peers begins with "Peer MAC address".
+ * @return 1 if so. 0 if not, if the file cannot be read, and without memory. */
+DEVFACTS_API int iw_link_established(void);
+
+/** @} */
+
 DEVFACTS_END_DECLS
+
+/** @} */
 
 #endif

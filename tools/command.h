@@ -1,32 +1,60 @@
 // The commands of the tool.
 #pragma once
 
+#include <cstdint>
+
+#include "document.h"
+
 namespace devfacts::tool {
 
 enum exit_status { done = 0, failed = 1, wrong_usage = 2 };
 
-// One command: what it is called, what it takes and does, in the words of --help, and how many arguments may follow its
-// name.
+enum option : uint8_t { json_option = 1, watch_option = 2, write_option = 4, check_option = 8 };
+
+// What a command line asks of a command.
+struct request {
+  char **arguments;  // those after the command's name that are no options; a null ends them
+  int count;
+  uint8_t options;   // a bit each
+  unsigned seconds;  // between two readings of --watch
+
+  bool has(option wanted) const { return (options & wanted) != 0; }
+  form wanted_form() const { return has(json_option) ? form::json : form::xml; }
+  // For people, again and again.
+  bool is_watched() const { return has(watch_option) && !has(json_option); }
+};
+
+// One command: its name, its arguments, its purpose and an example in the words of the help, how many arguments it
+// takes, and which options.
 struct command {
   const char *name;
   const char *arguments;
   const char *purpose;
-  int least;
-  int most;
-  // Gets the arguments behind the name; the array ends with a null.
-  exit_status (*run)(char **arguments);
+  const char *example;
+  uint8_t min_count;
+  uint8_t max_count;
+  uint8_t options;
+  exit_status (*run)(const request &asked);
+  void (*print_details)() = nullptr;  // what the help says beyond that
 };
 
-exit_status net(char **arguments);
-exit_status product(char **arguments);
-exit_status config(char **arguments);
-exit_status wireless(char **arguments);
-exit_status peers(char **arguments);
-exit_status radio(char **arguments);
-exit_status ethernet(char **arguments);
-exit_status records(char **arguments);
-exit_status listen(char **arguments);
-exit_status send(char **arguments);
-exit_status translate(char **arguments);
+// Runs the command of a command line without its program name; a null ends the arguments, whose order is changed.
+exit_status run(int count, char **arguments);
+
+exit_status config_command(const request &asked);
+exit_status ethernet_command(const request &asked);
+exit_status listen_command(const request &asked);
+exit_status metrics_command(const request &asked);
+exit_status net_command(const request &asked);
+exit_status peers_command(const request &asked);
+exit_status product_command(const request &asked);
+exit_status radio_command(const request &asked);
+exit_status records_command(const request &asked);
+exit_status send_command(const request &asked);
+exit_status status_command(const request &asked);
+exit_status translate_command(const request &asked);
+exit_status wireless_command(const request &asked);
+
+void print_record_actions();
 
 }  // namespace devfacts::tool

@@ -1,29 +1,38 @@
 #include <devfacts/core.h>
 #include <devfacts/ethernet.h>
 
-#include <cstdio>
-
-#include "address.h"
-#include "command.h"
+#include "interface.h"
+#include "link.h"
 
 namespace devfacts::tool {
 
-exit_status ethernet(char **arguments) {
-  const char *name = arguments[0];
-  eth_status status;
-  if (eth_info(&status, name) != 0) {
-    std::fprintf(stderr, "devfacts: the driver of \"%s\" does not tell about an Ethernet link\n", name);
-    return failed;
-  }
-  char word[5];
-  std::puts("<ethernet>");
-  xml_str_esc_item("name", name);
-  xml_int_item("speed", status.speed);
-  xml_str_item("duplex", eth_duplex2str(&status, word, sizeof word));
-  xml_str_item("link", eth_link2str(&status, word, sizeof word));
-  xml_int64_item("supported", status.supported);
-  print_address("perm_addr", status.perm_addr);
-  std::puts("</ethernet>");
+bool read_link(link_facts &facts, const char *name) {
+  eth_status &status = facts.status;
+  if (!is_interface_name(name)) return false;
+  const bool is_whole = eth_info(&status, name) == 0;
+  const bool answers = is_whole || eth_capable(name) != 0;
+  ioctl_close();
+  if (!answers) return false;
+  facts.has_address = is_whole || eth_perm_addr(status.perm_addr, name) == 0;
+  // Of two requests one failed: no link up is then no answer.
+  facts.has_link = is_whole || status.link != 0;
+  // Drivers without a link tell both of these.
+  facts.has_speed = status.speed != 0 && status.speed != UINT16_MAX;
+  return true;
+}
+
+exit_status ethernet_command(const request &asked) {
+  const char *name = asked.arguments[0];
+  link_facts facts;
+  if (!read_link(facts, name)) return refuse_interface(name, "has a driver that tells nothing about an Ethernet link");
+  char word[sizeof "full"];
+  document out(asked.wanted_form(), "ethernet");
+  out.text("name", name);
+  out.number("speed", facts.status.speed, facts.has_speed);
+  out.text("duplex", eth_duplex2str(&facts.status, word, sizeof word));
+  out.text("link", facts.has_link ? eth_link2str(&facts.status, word, sizeof word) : nullptr);
+  out.number("supported", facts.status.supported);
+  out.address("perm_addr", facts.has_address ? facts.status.perm_addr : nullptr);
   return done;
 }
 

@@ -1,99 +1,108 @@
-// The product's identity and capabilities as one XML document, and single values of the two configuration files.
-#include <devfacts/core.h>
+// The product's identity and capabilities as one document, and single values of the two configuration files.
 #include <devfacts/product.h>
+#include <unistd.h>
 
-#include <cstddef>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "command.h"
+#include "description.h"
+#include "text.h"
 
 namespace devfacts::tool {
 namespace {
 
+constexpr char product_file[] = "/etc/product";
+constexpr char configuration_file[] = "/tmp/system.cfg";
+
 // The bytes of a line that count; a longer version is cut.
 constexpr int line_size = 256;
 
-void print(const char *name, const caps_string &slot) { xml_str_esc_item(name, slot.value); }
+void print(document &out, const char *name, const caps_string &slot) { out.text(name, slot.value); }
 
 // The store gives negative numbers as their two's complement.
-void print(const char *name, const caps_u32 &slot) {
-  xml_int_item_opt(name, static_cast<int32_t>(slot.value), slot.present);
+void print(document &out, const char *name, const caps_u32 &slot) {
+  out.number(name, static_cast<int32_t>(slot.value), slot.present != 0);
 }
 
-void print(const char *name, const caps_bool &slot) {
-  xml_str_item(name, slot.present == 0 ? nullptr : slot.value != 0 ? "true" : "false");
+void print(document &out, const char *name, const caps_bool &slot) {
+  out.boolean(name, slot.value != 0, slot.present != 0);
 }
 
 template <class Row>
-void print_rows(const char *element, void (*print_row)(const Row &), const Row *rows, int32_t count) {
+void print_rows(document &out, const char *list, const char *element, void (*print_row)(document &, const Row &),
+                const Row *rows, int32_t count) {
+  out.begin_list(list);
   for (const Row *row = rows; row != rows + count; ++row) {
-    std::printf(" <%s>\n", element);
-    print_row(*row);
-    std::printf(" </%s>\n", element);
+    out.begin_group(element);
+    print_row(out, *row);
+    out.end_group(element);
   }
+  out.end_list();
 }
 
-void print_range(const caps_freq_range &range) {
-  print("range", range.range);
-  xml_int_item("low", range.low);
-  xml_int_item("high", range.high);
-  print("max_eirp", range.max_eirp);
-  print("max_txpower", range.max_txpower);
-  print("max_width", range.max_width);
-  print("dfs_required", range.dfs_required);
-  print("range_limits", range.range_limits);
+void print_range(document &out, const caps_freq_range &range) {
+  print(out, "range", range.range);
+  out.number("low", range.low);
+  out.number("high", range.high);
+  print(out, "max_eirp", range.max_eirp);
+  print(out, "max_txpower", range.max_txpower);
+  print(out, "max_width", range.max_width);
+  print(out, "dfs_required", range.dfs_required);
+  print(out, "range_limits", range.range_limits);
 }
 
-void print_radio(const caps_radio &radio) {
-  print("master", radio.master);
-  print("ieee_band", radio.ieee_band);
-  print("allowed_modulations", radio.allowed_modulations);
-  print("txpower_offset", radio.txpower_offset);
-  print("min_txpower", radio.min_txpower);
-  print("antenna_gain", radio.antenna_gain);
-  print("ignore_crr", radio.ignore_crr);
-  print("cpe_fixed_channels", radio.cpe_fixed_channels);
-  print("frequency_offset", radio.frequency_offset);
-  print_rows("frequency", print_range, radio.ranges, radio.range_count);
-  print("band_edge_low", radio.band_edge_low);
-  print("band_edge_middle", radio.band_edge_middle);
-  print("band_edge_high", radio.band_edge_high);
+void print_radio(document &out, const caps_radio &radio) {
+  print(out, "master", radio.master);
+  print(out, "ieee_band", radio.ieee_band);
+  print(out, "allowed_modulations", radio.allowed_modulations);
+  print(out, "txpower_offset", radio.txpower_offset);
+  print(out, "min_txpower", radio.min_txpower);
+  print(out, "antenna_gain", radio.antenna_gain);
+  print(out, "ignore_crr", radio.ignore_crr);
+  print(out, "cpe_fixed_channels", radio.cpe_fixed_channels);
+  print(out, "frequency_offset", radio.frequency_offset);
+  print_rows(out, "frequencies", "frequency", print_range, radio.ranges, radio.range_count);
+  print(out, "band_edge_low", radio.band_edge_low);
+  print(out, "band_edge_middle", radio.band_edge_middle);
+  print(out, "band_edge_high", radio.band_edge_high);
 }
 
-void print_limit(const caps_limit_freq &limit) {
-  print("frequency", limit.frequency);
-  print("dfs_required", limit.dfs_required);
-  print("max_txpower", limit.max_txpower);
-  print("max_eirp", limit.max_eirp);
-  print("allowed_widths", limit.allowed_widths);
+void print_limit(document &out, const caps_limit_freq &limit) {
+  print(out, "frequency", limit.frequency);
+  print(out, "dfs_required", limit.dfs_required);
+  print(out, "max_txpower", limit.max_txpower);
+  print(out, "max_eirp", limit.max_eirp);
+  print(out, "allowed_widths", limit.allowed_widths);
 }
 
-void print_limit_table(const caps_limit_table &table) {
-  print("table_name", table.table_name);
-  print_rows("limit", print_limit, table.freqs, table.freq_count);
+void print_limit_table(document &out, const caps_limit_table &table) {
+  print(out, "table_name", table.table_name);
+  print_rows(out, "limits", "limit", print_limit, table.freqs, table.freq_count);
 }
 
-void print_led(const caps_led &led) {
-  print("devname", led.devname);
-  print("name", led.name);
+void print_led(document &out, const caps_led &led) {
+  print(out, "devname", led.devname);
+  print(out, "name", led.name);
 }
 
-void print_capabilities(const product_caps_t &caps) {
-  print("id", caps.id);
-  print("name", caps.name);
-  print("hardware", caps.hardware);
-  print("enterprise_name", caps.enterprise_name);
-  print("countrycode", caps.countrycode);
-  print("enterprise_oid", caps.enterprise_oid);
-  print_rows("radio", print_radio, caps.radios, caps.radio_count);
-  print_rows("limit_table", print_limit_table, caps.limit_tables, caps.limit_table_count);
-  print("led_power_name", caps.led_power_name);
-  print("led_blinkled_name", caps.led_blinkled_name);
-  print_rows("led_lan", print_led, caps.led_lan, caps.led_lan_count);
-  print_rows("led_rssi", print_led, caps.led_rssi, caps.led_rssi_count);
-  print("protocol_name", caps.protocol_name);
-  print("pppoe_filter_control", caps.pppoe_filter_control);
-  print("arpnat_behind_dhcp_snooper", caps.arpnat_behind_dhcp_snooper);
+void print_capabilities(document &out, const product_caps_t &caps) {
+  print(out, "id", caps.id);
+  print(out, "name", caps.name);
+  print(out, "hardware", caps.hardware);
+  print(out, "enterprise_name", caps.enterprise_name);
+  print(out, "countrycode", caps.countrycode);
+  print(out, "enterprise_oid", caps.enterprise_oid);
+  print_rows(out, "radios", "radio", print_radio, caps.radios, caps.radio_count);
+  print_rows(out, "limit_tables", "limit_table", print_limit_table, caps.limit_tables, caps.limit_table_count);
+  print(out, "led_power_name", caps.led_power_name);
+  print(out, "led_blinkled_name", caps.led_blinkled_name);
+  print_rows(out, "led_lan", "led_lan", print_led, caps.led_lan, caps.led_lan_count);
+  print_rows(out, "led_rssi", "led_rssi", print_led, caps.led_rssi, caps.led_rssi_count);
+  print(out, "protocol_name", caps.protocol_name);
+  print(out, "pppoe_filter_control", caps.pppoe_filter_control);
+  print(out, "arpnat_behind_dhcp_snooper", caps.arpnat_behind_dhcp_snooper);
 }
 
 int32_t detected_cpu() {
@@ -103,45 +112,69 @@ int32_t detected_cpu() {
   return CPU_NONE;
 }
 
-void print_identity() {
+void print_identity(document &out) {
   char line[line_size];
-  xml_str_esc_item("product_name", product_name());
-  xml_str_esc_item("manufacturer", product_manufacturer());
-  xml_str_esc_item("serial_no", read_serial_no(line, sizeof line));
-  xml_str_esc_item("firmware_version", read_firmware_version(line, sizeof line));
   const int32_t cpu = detected_cpu();
-  xml_int_item_opt("cpu", cpu, cpu != CPU_NONE);
-  xml_str_item("cpu_vendor", cpu_vendor());
+  out.text("product_name", product_name());
+  out.text("manufacturer", product_manufacturer());
+  out.text("serial_no", read_serial_no(line, sizeof line));
+  out.text("firmware_version", read_firmware_version(line, sizeof line));
+  out.number("cpu", cpu, cpu != CPU_NONE);
+  out.text("cpu_vendor", cpu_vendor());
 }
 
-exit_status print_document() {
-  const product_caps_t *caps = product_caps_get();
-  std::puts("<product>");
-  print_identity();
-  if (caps != nullptr) {
-    std::puts(" <capabilities>");
-    print_capabilities(*caps);
-    std::puts(" </capabilities>");
+void print_document(form wanted, const product_caps_t *caps) {
+  document out(wanted, "product");
+  print_identity(out);
+  if (caps == nullptr) {
+    out.no_group("capabilities");
+    return;
   }
-  std::puts("</product>");
-  if (caps != nullptr) return done;
-  std::fputs("devfacts: cannot load the product description\n", stderr);
+  out.begin_group("capabilities");
+  print_capabilities(out, *caps);
+  out.end_group("capabilities");
+}
+
+// Why a file could not be loaded.
+exit_status refuse_file(const char *path) {
+  if (access(path, R_OK) != 0) {
+    print_error("cannot read %s: %s", path, std::strerror(errno));
+  } else {
+    print_error("cannot load %s: \"devfacts product --check %s\" finds a malformed line", path, path);
+  }
   return failed;
 }
 
-exit_status print_value(const char *key, const char *value) {
-  if (value != nullptr) return std::puts(value), done;
-  std::fprintf(stderr, "devfacts: no value of \"%s\"\n", key);
-  return failed;
+exit_status print_key(const request &asked, const char *path, bool is_open, const char *(*get)(const char *key)) {
+  const char *const key = asked.arguments[0];
+  if (!is_open) return refuse_file(path);
+  const char *const value = get(key);
+  if (value == nullptr) {
+    print_error("no key \"%s\" in %s", key, path);
+    return failed;
+  }
+  if (!asked.has(json_option)) {
+    print_value(value);
+    return done;
+  }
+  document out(form::json, "value");
+  out.text("key", key);
+  out.text("value", value);
+  return done;
 }
 
 }  // namespace
 
-exit_status product(char **arguments) {
-  const char *key = arguments[0];
-  return key == nullptr ? print_document() : print_value(key, prod_spec_get(key));
+exit_status product_command(const request &asked) {
+  if (asked.has(check_option)) return check_description(asked.count != 0 ? asked.arguments[0] : product_file);
+  if (asked.count != 0) return print_key(asked, product_file, prod_spec_open() == 0, prod_spec_get);
+  const product_caps_t *caps = product_caps_get();
+  print_document(asked.wanted_form(), caps);
+  return caps != nullptr ? done : refuse_file(product_file);
 }
 
-exit_status config(char **arguments) { return print_value(arguments[0], sysconf_get(arguments[0])); }
+exit_status config_command(const request &asked) {
+  return print_key(asked, configuration_file, sysconf_open() == 0, sysconf_get);
+}
 
 }  // namespace devfacts::tool

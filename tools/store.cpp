@@ -1,231 +1,184 @@
-// The factory records: all of them as an XML document, single ones as hexadecimal digits, and changes to them.
-#include <devfacts/core.h>
-#include <devfacts/store.h>
+#include "store.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <span>
 
-#include "command.h"
-#include "core/big_endian.h"
-#include "core/owner.h"
-#include "store/type_size.h"
+#include "text.h"
 
 namespace devfacts::tool {
 namespace {
 
-constexpr unsigned long most_id = 65534;
+constexpr char partition[] = "Factory";
+constexpr char store_folder[] = "/var/cfg";
+constexpr char store_file[] = "/var/cfg/.eeprom";
 
-// Walks have no context of their own.
-const eeprom_record *found;
-uint32_t wanted_id;
-uint32_t image_size;
-FILE *copy;
+// What a search for images considers.
+constexpr uint32_t min_image = 17;
+constexpr uint32_t max_image = 65535;
 
-int find_record(const eeprom_record *record) {
-  if (record->id == wanted_id) found = record;
-  return 0;
-}
+// Ten seconds in all.
+constexpr unsigned lock_tries = 100;
+constexpr useconds_t lock_wait = 100000;
 
-const eeprom_record *record_of(uint32_t id) {
-  found = nullptr;
-  wanted_id = id;
-  eeprom_for_each(find_record);
-  return found;
-}
-
-int add_size(const eeprom_record *record) {
-  image_size += (record->length + 3U) & ~3U;
-  return 0;
-}
-
-// The bytes that the table takes as an image; an empty one takes 16.
-uint32_t size_of_image() {
-  image_size = 16;
-  eeprom_for_each(add_size);
-  return image_size;
-}
-
-int copy_record(const eeprom_record *record) { return static_cast<int>(std::fwrite(record, record->length, 1, copy)); }
-
-// All records, one after the other; null without memory.
-malloc_ptr<char> copy_of_table(size_t &size) {
-  char *bytes = nullptr;
-  copy = open_memstream(&bytes, &size);
-  if (copy == nullptr) return {};
-  eeprom_for_each(copy_record);
-  const bool is_whole = std::ferror(copy) == 0;
-  malloc_ptr<char> held{std::fclose(copy) == 0 ? bytes : nullptr};
-  return is_whole ? std::move(held) : malloc_ptr<char>{};
-}
-
-exit_status fail(const char *format, const char *what = "") {
-  std::fputs("devfacts: ", stderr);
-  std::fprintf(stderr, format, what);
-  std::fputc('\n', stderr);
-  return failed;
-}
-
-void print_payload(const eeprom_record *record) {
-  const auto *bytes = reinterpret_cast<const unsigned char *>(record + 1);
-  for (const auto *end = bytes + record->length - sizeof *record; bytes != end; ++bytes) std::printf("%02x", *bytes);
-}
-
-int print_record(const eeprom_record *record) {
-  std::puts(" <record>");
-  xml_int_item("id", record->id);
-  xml_int_item("size", record->length - static_cast<int32_t>(sizeof *record));
-  xml_int_item("element_size", record->id < eeprom_type_count ? eeprom_type_size[record->id] : 0);
-  std::fputs("  <bytes>", stdout);
-  print_payload(record);
-  std::puts("</bytes>\n </record>");
-  return 0;
-}
-
-exit_status list() {
-  const int result = eeprom_init();
-  std::puts("<records>");
-  eeprom_for_each(print_record);
-  std::puts("</records>");
-  return result == 0 ? done : fail("the store holds no whole image");
-}
-
-bool parse_id(const char *text, uint32_t &id) {
-  char *end = nullptr;
-  errno = 0;
-  const unsigned long value = std::strtoul(text, &end, 10);
-  id = static_cast<uint32_t>(value);
-  return errno == 0 && *text >= '0' && *text <= '9' && *end == '\0' && value <= most_id;
-}
-
-int digit_value(char digit) {
-  const char *const digits = "0123456789abcdef";
-  const char *place =
-      digit != '\0' ? std::strchr(digits, digit >= 'A' && digit <= 'F' ? digit + ('a' - 'A') : digit) : nullptr;
-  return place != nullptr ? static_cast<int>(place - digits) : -1;
-}
-
-// Turns the digits into bytes in place; 0 where they are none, or no whole bytes.
-uint32_t parse_bytes(char *text) {
-  const size_t length = std::strlen(text);
-  for (size_t i = 0; i < length; i += 2) {
-    const int high = digit_value(text[i]), low = digit_value(text[i + 1]);
-    if (high < 0 || low < 0) return 0;
-    text[i / 2] = static_cast<char>(high << 4 | low);
-  }
-  return static_cast<uint32_t>(length / 2);
-}
-
-// A damaged image is not written over with what could be read of it.
-// Nor is one that could not be read taken for an empty one at once: a fault that passes must not cost the other
-// records.
-bool load_to_change() {
-  if (eeprom_init() == 0) return true;
-  eeprom_free();
-  return eeprom_init() == 0 || size_of_image() == 16;
-}
-
-exit_status refuse_damaged() { return fail("the stored image is damaged; only import replaces it"); }
-
-// The library does not tell how it went: the store is loaded again.
-exit_status save() {
-  size_t size = 0, stored_size = 0;
-  const auto table = copy_of_table(size);
-  eeprom_write();
-  eeprom_free();
-  eeprom_init();
-  const auto stored = copy_of_table(stored_size);
-  if (!table || !stored) return fail("no memory to compare the store with");
-  if (size == stored_size && std::memcmp(table.get(), stored.get(), size) == 0) return done;
-  return fail("the store does not hold the new records: no room for them, or it cannot be written");
-}
-
-exit_status get(char **operands) {
-  uint32_t id;
-  if (!parse_id(operands[0], id)) return wrong_usage;
-  eeprom_init();
-  const eeprom_record *record = record_of(id);
-  if (record == nullptr) return fail("no record %s", operands[0]);
-  print_payload(record);
-  std::puts("");
-  return done;
-}
-
-exit_status set(char **operands) {
-  uint32_t id;
-  const uint32_t size = parse_bytes(operands[1]);
-  if (size == 0 || !parse_id(operands[0], id)) return wrong_usage;
-  if (!load_to_change()) return refuse_damaged();
-  if (eeprom_update(static_cast<int32_t>(id), operands[1], size) != 0)
-    return fail("record %s is too long", operands[0]);
-  return save();
-}
-
-exit_status remove(char **operands) {
-  uint32_t id;
-  if (!parse_id(operands[0], id)) return wrong_usage;
-  if (!load_to_change()) return refuse_damaged();
-  if (record_of(id) == nullptr) return fail("no record %s", operands[0]);
-  eeprom_delete(id);
-  if (size_of_image() == 16)
-    return fail("record %s is the last one, and stays: an image holds one at least", operands[0]);
-  return save();
-}
-
-// The length that an image file claims to have; 0 where it cannot be read.
-uint32_t claimed_length(const char *path) {
-  big_endian<uint32_t> words[2];
-  const unique_file file{std::fopen(path, "re")};
-  return file && std::fread(words, sizeof words, 1, file.get()) == 1 ? words[1].value() : 0;
-}
-
-exit_status import(char **operands) {
-  const char *path = operands[0];
-  eeprom_read(path);
-  if (size_of_image() == 16 || size_of_image() != claimed_length(path)) {
-    return fail("\"%s\" holds no whole image, or one with an id twice", path);
-  }
-  eeprom_free();
-  if (!load_to_change()) eeprom_free();
-  eeprom_read(path);
-  return save();
-}
-
-constexpr struct {
-  const char *name;
-  const char *operands;
-  int count;  // --write included
-  bool writes;
-  exit_status (*run)(char **operands);
-} actions[] = {
-    {"get", "ID", 1, false, get},
-    {"set", "ID HEX --write", 3, true, set},
-    {"delete", "ID --write", 2, true, remove},
-    {"import", "FILE --write", 2, true, import},
+struct record_header {
+  big_endian<uint16_t> length;
+  big_endian<uint16_t> id;
 };
 
-int count_of(char **words) {
-  int count = 0;
-  while (words[count] != nullptr) ++count;
-  return count;
+// Walks over the table have no context of their own.
+uint32_t walked_size;
+FILE *walked_copy;
+
+int add_size(const eeprom_record *record) {
+  walked_size += padded_size(record->length);
+  return 0;
+}
+
+int copy_record(const eeprom_record *record) {
+  return static_cast<int>(std::fwrite(record, record->length, 1, walked_copy));
+}
+
+// As the library does it: the records before a damage are taken.
+bool load_records(std::span<const char> image) {
+  while (image.size() >= sizeof(record_header)) {
+    record_header header;
+    std::memcpy(&header, image.data(), sizeof header);
+    const uint32_t length = header.length.value();
+    if (length < sizeof header || length > image.size()) return false;
+    const char *payload = image.data() + sizeof header;
+    if (eeprom_update(header.id.value(), payload, length - uint32_t{sizeof header}) != 0) return false;
+    if (padded_size(length) > image.size()) return false;
+    image = image.subspan(padded_size(length));
+  }
+  return image.empty();
+}
+
+bool load_image_at(int fd, off_t offset, const image_header &header) {
+  const uint32_t length = header.total_length.value();
+  if (header.must_be_zero.value() != 0) return false;
+  const malloc_ptr<char> image{static_cast<char *>(std::malloc(length))};
+  if (!image || pread(fd, image.get(), length, offset) != static_cast<ssize_t>(length)) return false;
+  return load_records({image.get() + sizeof header, image.get() + length});
+}
+
+// Calls back with the offset of each image that a search considers, whole or not, until one is wanted.
+template <class Visitor>
+bool find_image(int fd, Visitor is_wanted) {
+  image_header header;
+  for (off_t offset = 0; pread(fd, &header, sizeof header, offset) == sizeof header; offset += sizeof header) {
+    const uint32_t length = header.total_length.value();
+    const bool is_candidate = header.magic == image_magic && length >= min_image && length <= max_image;
+    if (is_candidate && is_wanted(offset, header)) return true;
+  }
+  return false;
+}
+
+bool is_flash_refused() {
+  if (errno != EACCES && errno != EPERM) return false;
+  const int error = errno;
+  const unique_file list{std::fopen("/proc/mtd", "re")};
+  char line[256];
+  bool is_listed = false;
+  while (list && !is_listed && std::fgets(line, sizeof line, list.get()) != nullptr) {
+    is_listed = std::strstr(line, "\"Factory\"") != nullptr;
+  }
+  errno = error;
+  return is_listed;
 }
 
 }  // namespace
 
-exit_status records(char **arguments) {
-  if (arguments[0] == nullptr) return list();
-  for (const auto &each : actions) {
-    if (std::strcmp(each.name, arguments[0]) != 0) continue;
-    const bool is_complete =
-        count_of(arguments + 1) == each.count && (!each.writes || std::strcmp(arguments[each.count], "--write") == 0);
-    const exit_status status = is_complete ? each.run(arguments + 1) : wrong_usage;
-    if (status == wrong_usage) std::fprintf(stderr, "usage: devfacts records %s %s\n", each.name, each.operands);
-    eeprom_free();
-    return status;
+uint32_t image_size() {
+  walked_size = sizeof(image_header);
+  eeprom_for_each(add_size);
+  return walked_size;
+}
+
+malloc_ptr<char> copy_table(size_t &size) {
+  char *bytes = nullptr;
+  walked_copy = open_memstream(&bytes, &size);
+  if (walked_copy == nullptr) return {};
+  eeprom_for_each(copy_record);
+  const bool is_whole = std::ferror(walked_copy) == 0;
+  malloc_ptr<char> held{std::fclose(walked_copy) == 0 ? bytes : nullptr};
+  return is_whole ? std::move(held) : malloc_ptr<char>{};
+}
+
+bool load_image(int fd) {
+  eeprom_free();
+  return find_image(fd, [fd](off_t offset, const image_header &header) { return load_image_at(fd, offset, header); });
+}
+
+store_session::store_session(purpose wanted)
+    : name_("the flash partition Factory"), is_writable_(wanted != purpose::looking) {
+  errno = 0;
+  fd_.reset(mtd_block_find(partition));
+  if (!fd_ && is_flash_refused()) {
+    refuse("open", wanted);
+  } else {
+    is_open_ = (fd_ || open_file(wanted)) && lock(wanted);
   }
-  std::fprintf(stderr, "devfacts: no such action: records %s\n", arguments[0]);
-  return wrong_usage;
+}
+
+void store_session::refuse(const char *what, purpose wanted) const {
+  if (wanted != purpose::looking) print_error("cannot %s %s: %s", what, name_, std::strerror(errno));
+}
+
+// The library makes the file when it is not there yet.
+bool store_session::open_file(purpose wanted) {
+  name_ = store_file;
+  fd_.reset(open(store_file, (is_writable_ ? O_RDWR : O_RDONLY) | O_CLOEXEC));
+  if (fd_) return true;
+  const bool is_missing = errno == ENOENT && faccessat(AT_FDCWD, store_file, F_OK, AT_SYMLINK_NOFOLLOW) != 0;
+  if (is_missing && is_writable_ && access(store_folder, W_OK) == 0) return true;
+  if (!is_missing && wanted == purpose::reading) {
+    is_writable_ = false;
+    fd_.reset(open(store_file, O_RDONLY | O_CLOEXEC));
+  }
+  if (!fd_) refuse("open", wanted);
+  return static_cast<bool>(fd_);
+}
+
+// Locks the flash partition's device, or the folder of the file, since that may not be there yet.
+bool store_session::lock(purpose wanted) {
+  if (name_ == store_file) lock_.reset(open(store_folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const int fd = name_ == store_file ? lock_.get() : fd_.get();
+  const int kind = wanted == purpose::changing ? LOCK_EX : LOCK_SH;
+  int result = flock(fd, kind | LOCK_NB);
+  for (unsigned i = 0; i < lock_tries && result != 0 && errno == EWOULDBLOCK; ++i) {
+    usleep(lock_wait);
+    result = flock(fd, kind | LOCK_NB);
+  }
+  if (result == 0 || (wanted != purpose::changing && errno != EWOULDBLOCK)) return true;
+  refuse("lock", wanted);
+  return false;
+}
+
+bool store_session::load() const {
+  if (!is_writable_) return load_image(fd_.get());
+  eeprom_free();
+  return eeprom_init() == 0;
+}
+
+bool store_session::is_same(int fd) const {
+  struct stat one;
+  struct stat other;
+  if (fstat(fd, &one) != 0 || fstat(fd_.get(), &other) != 0) return false;
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+bool store_session::erase() const {
+  const auto erase_one = [this](off_t offset, const image_header &) {
+    return pwrite(fd_.get(), "\0\0\0", sizeof image_magic, offset) != sizeof image_magic;
+  };
+  return !find_image(fd_.get(), erase_one) && fsync(fd_.get()) == 0 && !load() && is_empty();
 }
 
 }  // namespace devfacts::tool

@@ -1,113 +1,126 @@
-// What a wireless interface is doing and which stations are connected to it, as XML documents.
+// What a wireless interface is doing and which stations are connected to it, as documents.
 #include <devfacts/core.h>
-#include <devfacts/wireless.h>
+#include <devfacts/product.h>
 
+#include <cerrno>
 #include <cstdio>
-#include <initializer_list>
+#include <cstring>
 
-#include "address.h"
-#include "command.h"
+#include "interface.h"
+#include "peers.h"
+#include "radio.h"
+#include "status.h"
+#include "text.h"
 
 namespace devfacts::tool {
 namespace {
 
-void print_driver_values(const iw_status &status) {
-  xml_str_esc_item("vendor", status.vendor);
-  xml_str_esc_item("ieee_name", status.ieee_name);
-  xml_str_esc_item("essid", status.essid);
-  xml_int64_item("essid_length", status.essid_length);
-  xml_int_item("essid_flags", status.essid_flags);
-  xml_int64_item("mode", status.mode);
-  xml_str_item("mode_name", iw_operation_mode2str(status.mode));
-  print_address("ap_addr", reinterpret_cast<const uint8_t *>(status.ap_addr.sa_data));
-  xml_int_item("bit_rate", status.bit_rate);
+// The class of width rests on the protocol's name, and without a mark in that on the rates.
+const char *bandwidth(const radio_facts &facts) {
+  const bool is_turbo = std::strchr(facts.status.ieee_name, 'T') != nullptr;
+  const bool is_known = facts.has(fact::ieee_name) && (is_turbo || facts.has(fact::bit_rates));
+  return is_known ? iw_bandwidth2str(&facts.status) : nullptr;
+}
+
+void print_rates(document &out, const iw_status &status) {
+  out.begin_list("rates");
   for (const int32_t rate : status.bit_rates) {
-    if (rate != 0) xml_int_item("rate", rate);
+    if (rate != 0) out.number("rate", rate);
   }
-  xml_double_item("frequency", status.frequency);
-  xml_int_item("channel", status.channel);
-  xml_str_item("bandwidth", iw_bandwidth2str(&status));
-  xml_int_item("signal_level", status.signal_level);
-  xml_int_item("noise_level", status.noise_level);
-  xml_int64_item("encoding_flags", status.encoding_flags);
-  xml_str_item("security", iw_security_mode2str(status.encoding_flags));
-  xml_int_item("txpower", status.txpower);
+  out.end_list();
 }
 
-void print_counters(const iw_status &status) {
-  xml_int64_item("tx_total", status.tx_total);
-  xml_int64_item("tx_retry", status.tx_retry);
-  xml_int64_item("rx_total", status.rx_total);
-  xml_int64_item("rx_errors", status.rx_errors);
-  xml_int64_item("state_init", status.state_init);
-  xml_int64_item("state_scan", status.state_scan);
-  xml_int64_item("state_auth", status.state_auth);
-  xml_int64_item("state_assoc", status.state_assoc);
-  xml_int64_item("state_run", status.state_run);
+void print_driver_values(document &out, const radio_facts &facts) {
+  const iw_status &status = facts.status;
+  const bool has_mode = facts.has(fact::mode), has_encoding = facts.has(fact::encoding);
+  const auto *ap_addr = reinterpret_cast<const uint8_t *>(status.ap_addr.sa_data);
+  out.text("vendor", status.vendor);
+  out.text("ieee_name", facts.has(fact::ieee_name) ? status.ieee_name : nullptr);
+  out.text("essid", facts.has(fact::essid) ? status.essid : nullptr);
+  out.number("essid_length", status.essid_length, facts.has(fact::essid));
+  out.number("essid_flags", status.essid_flags, facts.has(fact::essid));
+  out.number("mode", status.mode, has_mode);
+  out.text("mode_name", has_mode ? iw_operation_mode2str(status.mode) : nullptr);
+  out.address("ap_addr", facts.has(fact::ap_addr) ? ap_addr : nullptr);
+  out.number("bit_rate", status.bit_rate, facts.has(fact::bit_rate));
+  print_rates(out, status);
+  out.decimal("frequency", status.frequency);
+  out.number("channel", status.channel, status.channel != radio_facts::no_channel);
+  out.text("bandwidth", bandwidth(facts));
+  out.number("signal_level", status.signal_level, facts.has(fact::signal));
+  out.number("noise_level", status.noise_level, facts.has(fact::signal));
+  out.number("encoding_flags", status.encoding_flags, has_encoding);
+  out.text("security", has_encoding ? iw_security_mode2str(status.encoding_flags) : nullptr);
+  out.number("txpower", status.txpower, facts.has(fact::txpower));
 }
 
-void print_limit(const char *name, const iw_limit_value &limit) { xml_int_item_opt(name, limit.value, limit.present); }
+void print_time(document &out, const char *name, int64_t time) { out.number(name, time, time != radio_facts::no_time); }
 
-void print_limits(const iw_radio_limits_t &limits) {
-  print_limit("antenna_gain", limits.antenna_gain);
-  print_limit("txpower_offset", limits.txpower_offset);
-  print_limit("min_txpower", limits.min_txpower);
-  print_limit("frequency_offset", limits.frequency_offset);
-  xml_str_esc_item("allowed_modulations", limits.allowed_modulations);
-  xml_str_esc_item("ieee_band", limits.ieee_band);
-  xml_str_esc_item("countrycode", iw_countrycode_limits());
+void print_counters(document &out, const radio_facts &facts) {
+  const iw_status &status = facts.status;
+  out.number("tx_total", status.tx_total, facts.has(fact::tx_total));
+  out.number("tx_retry", status.tx_retry, facts.has(fact::tx_retry));
+  out.number("rx_total", status.rx_total, facts.has(fact::rx_total));
+  out.number("rx_errors", status.rx_errors, facts.has(fact::rx_errors));
+  print_time(out, "state_init", status.state_init);
+  print_time(out, "state_scan", status.state_scan);
+  print_time(out, "state_auth", status.state_auth);
+  print_time(out, "state_assoc", status.state_assoc);
+  print_time(out, "state_run", status.state_run);
+}
+
+void print_limit(document &out, const char *name, const iw_limit_value &limit) {
+  out.number(name, limit.value, limit.present != 0);
+}
+
+void print_limits(document &out, const char *name) {
+  iw_radio_limits_t limits;
+  iw_radio_limits(&limits, name);
+  print_limit(out, "antenna_gain", limits.antenna_gain);
+  print_limit(out, "txpower_offset", limits.txpower_offset);
+  print_limit(out, "min_txpower", limits.min_txpower);
+  print_limit(out, "frequency_offset", limits.frequency_offset);
+  out.text("allowed_modulations", limits.allowed_modulations);
+  out.text("ieee_band", limits.ieee_band);
+  out.text("countrycode", iw_countrycode_limits());
+}
+
+bool is_described(const char *name) {
+  const product_caps_t *caps = product_caps_get();
+  if (caps == nullptr) return false;
+  for (const caps_radio *radio = caps->radios; radio != caps->radios + caps->radio_count; ++radio) {
+    if (radio->master.present != 0 && std::strcmp(radio->master.value, name) == 0) return true;
+  }
+  return false;
 }
 
 }  // namespace
 
-exit_status wireless(char **arguments) {
-  const char *name = arguments[0];
-  if (iw_capable(name) == 0) {
-    std::fprintf(stderr, "devfacts: \"%s\" is no wireless interface\n", name);
+exit_status wireless_command(const request &asked) {
+  const char *name = asked.arguments[0];
+  if (!is_interface_name(name) || iw_capable(name) == 0) return refuse_interface(name, "is not a wireless interface");
+  if (asked.is_watched()) return show_radio(name);
+  radio_facts facts;
+  ask_radio(facts, name);
+  document out(asked.wanted_form(), "wireless");
+  out.text("name", name);
+  print_driver_values(out, facts);
+  print_counters(out, facts);
+  print_limits(out, name);
+  return done;
+}
+
+exit_status radio_command(const request &asked) {
+  const char *name = asked.arguments[0];
+  radio_facts facts;
+  if (!is_interface_name(name) || (!read_radio_files(facts, name) && !is_described(name))) {
+    print_error("no radio \"%s\": neither its driver's files nor the product description tell of it", name);
     return failed;
   }
-  iw_status status;
-  iw_info(&status, name);
-  std::puts("<wireless>");
-  xml_str_esc_item("name", name);
-  print_driver_values(status);
-  print_counters(status);
-  print_limits(status.limits);
-  std::puts("</wireless>");
-  return done;
-}
-
-exit_status radio(char **arguments) {
-  const char *name = arguments[0];
-  iw_status status{};
-  status.ifname = name;
-  for (const auto read : {iw_tx_total, iw_tx_retry, iw_rx_total, iw_rx_errors}) read(&status, name);
-  iw_read_states(&status);
-  iw_radio_limits(&status.limits, name);
-  std::puts("<radio>");
-  xml_str_esc_item("name", name);
-  print_counters(status);
-  print_limits(status.limits);
-  std::puts("</radio>");
-  return done;
-}
-
-exit_status peers(char **arguments) {
-  iw_peers_list list{};
-  iw_peers(&list, arguments[0]);
-  std::puts("<peers>");
-  if (arguments[0] == nullptr) xml_int_item("link_established", iw_link_established());
-  for (uint32_t i = 0; i < list.count; ++i) {
-    const iw_peer_entry &peer = list.rows[i];
-    std::puts(" <peer>");
-    print_address("mac", peer.mac);
-    xml_int_item("rssi0", peer.rssi0);
-    xml_int_item("rssi1", peer.rssi1);
-    xml_int_item("rssi2", peer.rssi2);
-    std::puts(" </peer>");
-  }
-  std::puts("</peers>");
-  iw_peers_free(&list);
+  document out(asked.wanted_form(), "radio");
+  out.text("name", name);
+  print_counters(out, facts);
+  print_limits(out, name);
   return done;
 }
 

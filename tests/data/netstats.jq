@@ -1,7 +1,7 @@
 # The report without its counters, from what "ip -j addr" prints.
 "<netstats>", (.[] |
   " <interface>",
-  "  <name>\(.ifname)</name>",
+  "  <name>\(.ifname | @html)</name>",
   "  <status>\(if .flags | index("UP") then "up" else "down" end)</status>",
   (if .link then "  <master>\(.link)</master>" else empty end),
   "  <hwaddr>\(.address | ascii_upcase)</hwaddr>",

@@ -2,7 +2,7 @@
  * What the device is and can do: its configuration files, identity and capabilities.
  *
  * Nothing here prints or logs. The files are read by the configuration store, a library of the firmware (or by its
- * replacement here, devfacts/platform/cfg_store.h). Use one thread at a time, except for cpu_detect(), cpu_vendor(),
+ * stand-in here, devfacts/platform/cfg_store.h). Use one thread at a time, except for cpu_detect(), cpu_vendor(),
  * read_serial_no() and read_firmware_version().
  * @{ */
 #ifndef DEVFACTS_PRODUCT_H
@@ -19,8 +19,8 @@ DEVFACTS_BEGIN_DECLS
  *
  * A file is lines "key=value"; keys have dots ("radio.0.master"), and the value is all after the first "=". Empty lines
  * and lines that begin with "#" are skipped, and the last line of a key counts. Any other line makes the whole file
- * unreadable; `devfacts product --check FILE` finds it. So reads the replacement; on a device the firmware's library
- * decides. /tmp/system.cfg is trusted whoever made it: the firmware must create it before others can.
+ * unreadable; `devfacts product --check FILE` finds it. This is the stand-in's format; on a device the firmware's
+ * library decides. /tmp/system.cfg is trusted whoever made it: the firmware must create it before others can.
  *
  * The first call opens its file, which stays as it was read until it is closed; a file that cannot be loaded is tried
  * again by the next call. But if /etc/product is missing or not readable, that holds until the process ends: every
@@ -33,8 +33,11 @@ DEVFACTS_BEGIN_DECLS
  * product_name(), product_manufacturer() and iw_countrycode_limits(); ::product_caps and iw_radio_limits() have copies.
  * @{ */
 
-/** A file in the configuration store, for the store's own operations. */
+#ifndef DEVFACTS_CFG_HANDLE
+#define DEVFACTS_CFG_HANDLE
+/** A file in the configuration store, for the store's own operations (devfacts/platform/cfg_store.h). */
 typedef struct cfg_store *cfg_handle;
+#endif
 
 /** Reads the system configuration, if it is not open.
  * @return 0 if it is open now; -1 if it cannot be loaded or without memory. */

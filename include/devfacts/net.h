@@ -262,10 +262,13 @@ DEVFACTS_API int nl_dump(nl_handle *handle, int type);
  * @param handle an open handle.
  * @param callback called on this thread, not null.
  * @par Failures
- * die() with "recvmsg() failed"; with "EOF on netlink, %s\n" and the errno text for an empty datagram; with
- * "netlink error (%d), %s\n", the error that the kernel reports and its text; with "netlink communication error ...\n"
- * if that error is 0; with "netlink error message truncated.\n"; with "netlink packet remains %d bytes, not parsed.\n"
- * if the messages do not fill the datagram. */
+ * die() with
+ * - "recvmsg() failed", also if notifications were lost because they were not read in time (ENOBUFS);
+ * - "EOF on netlink, %s\n" and the errno text for an empty datagram;
+ * - "netlink error (%d), %s\n", the error that the kernel reports and its text; if that is 0,
+ *   "netlink communication error ...\n";
+ * - "netlink error message truncated.\n";
+ * - "netlink packet remains %d bytes, not parsed.\n" if the messages do not fill the datagram. */
 DEVFACTS_API void nl_recv(nl_handle *handle, nl_callback callback);
 
 /** Closes the socket and sets fd to -1. @param handle an open handle. */

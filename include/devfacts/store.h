@@ -78,10 +78,10 @@ DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
  * the process.
  *
  * eeprom_write() overwrites the one image in place, and the image has no checksum. A power cut or a kill during it can
- * leave any mixture of old and new bytes, on flash also of neither. No mixture makes eeprom_init() read outside an
- * image, but most of them load without an error, with records that are old, new, mixed or missing (docs/state.md has
- * numbers). A program that must notice keeps a record with a checksum of the others, and a second copy in a file of its
- * own: examples/provision.c does. Write rarely.
+ * leave any mixture of old and new bytes, on flash also of neither. eeprom_init() never reads outside an image, but a
+ * mixture can load without an error, and always does if no record changed its size. A program that must notice keeps a
+ * record with a checksum of the others, and a second copy in a file of its own: examples/provision.c does. Write
+ * rarely.
  * @{ */
 
 /** Fills the table with the records of the store.

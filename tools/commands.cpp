@@ -37,6 +37,8 @@ constexpr command commands[] = {
     {"send", "PATH TEXT", "sends a message to a socket", "devfacts send /tmp/events -- --text", 2, 2, 0, send_command},
     {"translate", "DIRECTORY CATALOGUE ID", "a text in the language of the device",
      "devfacts translate /usr/share/po status Signal", 3, 3, 0, translate_command},
+    {"metrics", "", "counters, rates and signals for Prometheus", "devfacts metrics | promtool check metrics", 0, 0, 0,
+     metrics_command},
     {"help", "[COMMAND]", "the commands, or the arguments and options of one", "devfacts help records", 0, 1, 0,
      help_command},
 };

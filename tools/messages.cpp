@@ -44,7 +44,7 @@ sigset_t catch_signals() {
 // One message is one line, whatever its bytes are.
 void print_message(form wanted, const char *payload, uint32_t length) {
   if (wanted == form::xml) {
-    print_visible(stdout, {payload, length}, true);
+    print_visible(stdout, {payload, length}, quoting::quoted);
     std::putchar('\n');
     return;
   }

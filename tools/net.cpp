@@ -1,6 +1,7 @@
 // The interfaces as the document that ifi_dump_all() prints, but well-formed whatever their names are.
+#include "net.h"
+
 #include <arpa/inet.h>
-#include <devfacts/net.h>
 #include <net/if.h>
 
 #include <cstdio>
@@ -11,17 +12,16 @@
 #include "text.h"
 
 namespace devfacts::tool {
-namespace {
 
-// In the order of the kernel's record.
-constexpr char counter_names[][20] = {
+const char counter_names[counter_count][20] = {
     "rx_packets",       "tx_packets",        "rx_bytes",          "tx_bytes",        "rx_errors",
     "tx_errors",        "rx_dropped",        "tx_dropped",        "multicast",       "collisions",
     "rx_length_errors", "rx_over_errors",    "rx_crc_errors",     "rx_frame_errors", "rx_fifo_errors",
     "rx_missed_errors", "tx_aborted_errors", "tx_carrier_errors", "tx_fifo_errors",  "tx_heartbeat_errors",
     "tx_window_errors", "rx_compressed",     "tx_compressed",
 };
-static_assert(sizeof counter_names / sizeof *counter_names == 23);
+
+namespace {
 
 void print_addresses(document &out, const char *name, const ifi_entry &entry, uint16_t family) {
   char text[INET6_ADDRSTRLEN];
@@ -33,8 +33,9 @@ void print_addresses(document &out, const char *name, const ifi_entry &entry, ui
 }
 
 void print_counters(document &out, const rtnl_link_stats *stats) {
-  const auto *counter = reinterpret_cast<const uint32_t *>(stats);
-  for (const char *name : counter_names) out.number(name, counter != nullptr ? *counter++ : 0, stats != nullptr);
+  for (unsigned i = 0; i < counter_count; ++i) {
+    out.number(counter_names[i], stats != nullptr ? counter_of(*stats, i) : 0, stats != nullptr);
+  }
 }
 
 void print_interface(document &out, const ifi_entry &entry) {

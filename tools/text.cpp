@@ -30,8 +30,8 @@ character decode(std::string_view text, uint32_t size) {
   return {code, size};
 }
 
-bool is_escaped(const character &each, bool quoted) {
-  return each.code == character::invalid || each.is_control() || (quoted && each.code == '\\');
+bool is_escaped(const character &each, quoting how) {
+  return each.code == character::invalid || each.is_control() || (how != quoting::plain && each.code == '\\');
 }
 
 }  // namespace
@@ -46,15 +46,17 @@ character first_character(std::string_view text) {
   return {character::invalid, 1};
 }
 
-void print_visible(FILE *out, std::string_view text, bool quoted) {
+void print_visible(FILE *out, std::string_view text, quoting how) {
   while (!text.empty()) {
     const std::string_view rest = text;
     const character each = take_character(text);
-    if (!is_escaped(each, quoted)) {
+    if (is_escaped(each, how)) {
+      const char *format = how == quoting::label ? "\\\\x%02x" : "\\x%02x";
+      for (const char byte : rest.substr(0, each.size)) std::fprintf(out, format, static_cast<unsigned char>(byte));
+    } else {
+      if (how == quoting::label && each.code == '"') std::fputc('\\', out);
       std::fwrite(rest.data(), 1, each.size, out);
-      continue;
     }
-    for (const char byte : rest.substr(0, each.size)) std::fprintf(out, "\\x%02x", static_cast<unsigned char>(byte));
   }
 }
 
@@ -62,7 +64,7 @@ size_t visible_width(std::string_view text) {
   size_t width = 0;
   while (!text.empty()) {
     const character each = take_character(text);
-    width += is_escaped(each, false) ? 4 * each.size : 1;
+    width += is_escaped(each, quoting::plain) ? 4 * each.size : 1;
   }
   return width;
 }

@@ -30,9 +30,12 @@ inline character take_character(std::string_view &text) {
   return first;
 }
 
-// Prints a text with \xNN for each byte of a control character or of no character. With quoted the backslash is \x5c as
-// well, so that two texts never look alike and "printf %b" returns the bytes.
-void print_visible(FILE *out, std::string_view text, bool quoted = false);
+// Plain is for people. Quoted has \x5c for a backslash as well, so that no two texts look alike and "printf %b" returns
+// the bytes. A label is quoted as the text form of Prometheus has it.
+enum class quoting : uint8_t { plain, quoted, label };
+
+// Prints a text with \xNN for each byte of a control character or of no character.
+void print_visible(FILE *out, std::string_view text, quoting how = quoting::plain);
 
 // The columns that print_visible() takes.
 size_t visible_width(std::string_view text);

@@ -20,4 +20,4 @@ need() {
 
 build_tools=(cmake ninja-build g++)
 mips_tools=(g++-mips-linux-gnu qemu-user)
-test_tools=(googletest iproute2 jq util-linux pkg-config libnl-3-dev libnl-route-3-dev libxml2-utils)
+test_tools=(googletest iproute2 jq util-linux pkg-config libnl-3-dev libnl-route-3-dev libxml2-utils prometheus)

@@ -18,7 +18,7 @@ rtattr *next_attribute(rtattr *attribute, int step) {
   return reinterpret_cast<rtattr *>(reinterpret_cast<char *>(attribute) + step);
 }
 
-// The length that stands where the walk stopped, if it still stands inside the block.
+// The length field where the walk stopped, if it is still inside the block.
 int claimed_length(const rtattr *attribute, int length) {
   return length >= static_cast<int>(sizeof attribute->rta_len) ? attribute->rta_len : 0;
 }
@@ -50,17 +50,17 @@ void *nla_memcpy(void *destination, const rtattr *attribute, size_t count) {
   return std::memcpy(destination, nla_data(attribute), count);
 }
 
-void devfacts::nla_copy(void *destination, const rtattr *attribute, size_t room) {
-  nla_memcpy(destination, attribute, std::min(room, payload_size(attribute)));
+void devfacts::nla_copy(void *destination, const rtattr *attribute, size_t capacity) {
+  nla_memcpy(destination, attribute, std::min(capacity, payload_size(attribute)));
 }
 
-void *devfacts::nla_memdup_padded(const rtattr *attribute, size_t least) {
+void *devfacts::nla_memdup_padded(const rtattr *attribute, size_t minimum) {
   const size_t size = payload_size(attribute);
   if (size == 0) return nullptr;
-  const size_t room = std::max(size, least) + 1;
-  auto *copy = static_cast<char *>(std::malloc(room));
+  const size_t capacity = std::max(size, minimum) + 1;
+  auto *copy = static_cast<char *>(std::malloc(capacity));
   if (copy == nullptr) return nullptr;
-  std::memset(copy + size, 0, room - size);
+  std::memset(copy + size, 0, capacity - size);
   return nla_memcpy(copy, attribute, size);
 }
 

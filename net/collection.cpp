@@ -17,20 +17,17 @@ static_assert(sizeof(rtnl_link_stats) >= 92);
 
 namespace {
 
-// Finds the owner of each address as ifi_find_by_index() would. Among many interfaces it looks on from the last owner,
-// as addresses come in the order of their interfaces: that is the first record of an index only where no index stands
-// twice in the list, and without memory to be sure of that each one is searched for.
+// Finds the owner of each address as ifi_find_by_index() does. Kernels list interfaces by ascending index, and
+// addresses in the order of their interfaces: no index is there twice then, and the search starts at the last owner.
 class owner_finder {
  public:
-  // To be called before the interface is registered.
+  // Call it before the interface is registered.
   void note(int32_t index) {
-    if (++noted_ == many) start();
-    if (indices_) add(index);
+    if (!list_is_empty(&interfaces) && to_interface(interfaces.prev)->index >= index) ascending_ = false;
   }
 
   ifi_entry *find(int32_t index) {
-    if (!indices_) return ifi_find_by_index(index);
-    if (!indices_->may_hold(static_cast<uint32_t>(index))) return nullptr;
+    if (!ascending_) return ifi_find_by_index(index);
     list_link *link = last_;
     do {
       if (link != &interfaces && to_interface(link)->index == index) return to_interface(last_ = link);
@@ -40,47 +37,42 @@ class owner_finder {
   }
 
  private:
-  using index_filter = bit_filter<65536>;
-  static constexpr unsigned many = 32;
-
-  // 8 KiB, off the stack, which may be small. A block of this size also moves the C library's allocator to join the
-  // small ones that the last list left, so that the new list lies in order: with 4000 interfaces, 0.1 of the kernel's
-  // time.
-  void start() {
-    indices_.reset(static_cast<index_filter *>(std::calloc(1, sizeof(index_filter))));
-    for (list_link *link = interfaces.next; indices_ && link != &interfaces; link = link->next) {
-      add(to_interface(link)->index);
-    }
-  }
-
-  void add(int32_t index) {
-    const auto key = static_cast<uint32_t>(index);
-    if (indices_->may_hold(key)) return indices_.reset();
-    indices_->add(key);
-  }
-
-  unsigned noted_ = 0;
+  bool ascending_ = true;
   list_link *last_ = &interfaces;
-  malloc_ptr<index_filter> indices_;
 };
 
+// Asks for one block that is not small: glibc then joins the small ones that the last list left, and the new list is in
+// order. With 1000 interfaces the collection takes 0.08 less of the kernel's time.
+void join_free_blocks() {
+  constexpr size_t not_small = 4096;
+  void *volatile block = std::malloc(not_small);  // volatile: or the compiler leaves out both calls
+  std::free(block);
+}
+
 struct collection {
+  static constexpr unsigned many = 128;
+
+  void note(int32_t index) {
+    owners.note(index);
+    if (++size == many) join_free_blocks();
+  }
+
   parent_finder parents;
   owner_finder owners;
+  unsigned size = 0;
 };
 
 // What the callbacks share while a collection runs.
 constinit collection *running = nullptr;
 
-// The fixed record behind a message's header; what the message is too short for is zero.
+// The fixed record after a message's header; what the message is too short for is zero.
 template <class Record>
 Record record_of(const nlmsghdr *message) {
   byte_reader reader{message, message->nlmsg_len};
-  reader.skip(sizeof *message);
-  return reader.read_or_zero<Record>();
+  return reader.skip(sizeof *message) ? reader.read_or_zero<Record>() : Record{};
 }
 
-// The attributes behind the header and the record, sorted by type into the table.
+// The attributes after the header and the record, sorted by type into the table.
 template <class Record, size_t Slots>
 void parse_attributes(nlmsghdr *message, rtattr *(&table)[Slots]) {
   constexpr uint32_t offset = NLMSG_LENGTH(sizeof(Record));
@@ -103,7 +95,7 @@ void set_parent(ifi_entry *entry, const rtattr *link) {
   }
 }
 
-// Room for the longest address, so that one cut short reads as zero behind its end.
+// Every copy is as long as the longest address, so that the end of one cut short reads as zero.
 uint8_t *duplicate_address(const rtattr *attribute) {
   if (attribute == nullptr) return nullptr;
   return static_cast<uint8_t *>(nla_memdup_padded(attribute, sizeof(in6_addr)));
@@ -167,7 +159,7 @@ int nl_collect_interface(nlmsghdr *message) {
     entry->stats = static_cast<rtnl_link_stats *>(nla_memdup_padded(table[IFLA_STATS], sizeof *entry->stats));
   }
   set_parent(entry, table[IFLA_LINK]);
-  if (running != nullptr) running->owners.note(entry->index);
+  if (running != nullptr) running->note(entry->index);
   ifi_register(entry);
   return 0;
 }

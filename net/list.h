@@ -1,4 +1,4 @@
-// The circular list that records stand in by their first member.
+// The circular list that links records by their first member.
 #pragma once
 
 #include <devfacts/net.h>

@@ -32,15 +32,15 @@ void set_socket_buffer(int fd, int option, const char *failure) {
 [[noreturn]] void die_of_error_message(const nlmsghdr *message) {
   if (message->nlmsg_len < NLMSG_LENGTH(sizeof(nlmsgerr))) die("netlink error message truncated.\n");
   const auto error = static_cast<uint32_t>(static_cast<const nlmsgerr *>(NLMSG_DATA(message))->error);
-  const int code = static_cast<int>(-error);  // unsigned, as the least number has no negative
+  const int code = static_cast<int>(-error);  // unsigned, as the minimum has no negative
   if (code != 0) die("netlink error (%d), %s\n", code, std::strerror(code));
   die("netlink communication error ...\n");
 }
 
 enum class walk_end { dump_done, datagram_done };
 
-// Hands the messages of a datagram to the callback; remaining tells what is left of it, below zero where the last
-// message's padding lies behind the end.
+// Hands the messages of a datagram to the callback. What remains of it is below zero if the last message's padding is
+// beyond the end.
 walk_end walk(char *position, int64_t &remaining, nl_callback callback) {
   while (remaining >= static_cast<int64_t>(sizeof(nlmsghdr))) {
     auto *message = reinterpret_cast<nlmsghdr *>(position);
@@ -109,7 +109,7 @@ void nl_recv(nl_handle *handle, nl_callback callback) {
   envelope.msg_iovlen = 1;
 
   for (;;) {
-    // The kernel leaves the length of the sender's own address here, which may be longer than our room for it.
+    // The kernel leaves the length of the sender's own address here, which may be longer than our buffer for it.
     envelope.msg_namelen = sizeof sender;
     piece = {buffer, size};
     const ssize_t received = recvmsg(handle->fd, &envelope, 0);

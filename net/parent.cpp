@@ -17,7 +17,7 @@
 namespace devfacts {
 namespace {
 
-// The kernel's record of one name in a listing; the name ends with a NUL and has padding behind it.
+// The kernel's record of one name in a listing; padding follows the name's NUL.
 struct directory_record {
   uint64_t inode;
   int64_t offset;
@@ -27,7 +27,7 @@ struct directory_record {
 };
 static_assert(offsetof(directory_record, name) == 19);
 
-// No kernel gives such a name, and it stands for a path that the folders do not tell of.
+// The path of such a name may lead elsewhere than to a folder of that name. No kernel has one.
 bool is_path(const char *name) {
   return *name == '\0' || std::strlen(name) >= IF_NAMESIZE || std::strchr(name, '/') != nullptr;
 }
@@ -45,7 +45,7 @@ void parent_finder::add(ifi_entry *entry) {
     first_ = entry;
     return;
   }
-  if (!listed_) {
+  if (!asked_) {
     list_folders();
     find(first_);
   }
@@ -53,28 +53,32 @@ void parent_finder::add(ifi_entry *entry) {
 }
 
 void parent_finder::finish() {
-  if (first_ != nullptr && !listed_) find_parent(first_);
+  if (first_ != nullptr && !asked_) find_parent(first_);
+}
+
+// Read from the kernel directly: the C library's way costs a block of 32 KiB.
+void parent_finder::list_folders() {
+  asked_ = true;
+  const unique_fd folder{open(SYSCTL_NET, O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+  long size = 0;
+  while ((size = syscall(SYS_getdents64, folder.get(), list_ + size_, sizeof list_ - size_)) > 0) {
+    size_ += static_cast<size_t>(size);
+  }
+  complete_ = size == 0;
+}
+
+bool parent_finder::is_listed(const char *name) const {
+  for (const char *at = list_; at < list_ + size_;) {
+    const auto *record = reinterpret_cast<const directory_record *>(at);
+    if (std::strcmp(record->name, name) == 0) return true;
+    at += record->size;
+  }
+  return false;
 }
 
 void parent_finder::find(ifi_entry *entry) const {
   const char *name = entry->name;
-  if (name != nullptr && (is_path(name) || folders_.may_hold(text_key(name)))) find_parent(entry);
-}
-
-// Read from the kernel directly: the C library's way costs a block of 32 KiB. Where it fails every name is tried.
-void parent_finder::list_folders() {
-  listed_ = true;
-  const unique_fd folder{open(SYSCTL_NET, O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
-  alignas(directory_record) char buffer[1024];
-  long size = 0;
-  while ((size = syscall(SYS_getdents64, folder.get(), buffer, sizeof buffer)) > 0) {
-    for (const char *at = buffer; at < buffer + size;) {
-      const auto *record = reinterpret_cast<const directory_record *>(at);
-      folders_.add(text_key(record->name));
-      at += record->size;
-    }
-  }
-  if (size < 0) folders_.add_all();
+  if (name != nullptr && (!complete_ || is_path(name) || is_listed(name))) find_parent(entry);
 }
 
 }  // namespace devfacts

@@ -1,4 +1,4 @@
-// The list of interfaces and what stands in it.
+// The list of interfaces and its records.
 #include <devfacts/core.h>
 #include <devfacts/net.h>
 

@@ -92,20 +92,17 @@ TEST(crafted_dump, every_field_and_what_is_missing) {
 }
 
 TEST(crafted_dump, owners_are_those_that_a_search_finds) {
-  const std::pair<std::vector<int>, std::string> rows[] = {{{5, 31, 9, 31, 65536 + 5}, "xxx-x"},
-                                                           {{5, 31, 9, 65536 + 6}, "xxx-"}};
+  const std::pair<std::vector<int>, std::string> rows[] = {
+      {{5, 9, 31}, "xxx"}, {{31, 9, 5}, "xxx"}, {{9, 5, 9}, "xx-"}, {{5, 31, 31}, "xx-"}, {{-9, 6}, "--"}};
   std::string addresses;
-  for (const uint32_t index : {9, 31, 5, 4, 65536 + 5, 65536 + 9}) addresses += address(index, AF_INET, "");
+  for (const uint32_t index : {9, 31, 5, 4, 9, 65536 + 5}) addresses += address(index, AF_INET, "");
   const auto print_owner = [](const ifi_entry &entry) { std::printf(entry.addrs.next != &entry.addrs ? "x" : "-"); };
   for (const auto &[indices, owners] : rows) {
-    for (const int others : {0, 28, 100}) {  // before and behind; the many have a table, unless memory for it is out
-      std::string links, behind, none(others, '-');
-      for (int i = 0; i < others; ++i) links += link(100 + i, 0, ""), behind += link(300 + i, 0, "");
+    for (const int others : {0, 200}) {
+      std::string links;
       for (const int index : indices) links += link(index, 0, "");
-      for (const int failing : {0, 33}) {
-        expect_run(none + owners + none + "||0",
-                   [&] { fail("allocation", failing, ENOMEM), with_dump(links + behind, addresses, print_owner); });
-      }
+      for (int i = 0; i < others; ++i) links += link(300 + i, 0, "");
+      expect_run(owners + std::string(others, '-') + "||0", [&] { with_dump(links, addresses, print_owner); });
     }
   }
 }

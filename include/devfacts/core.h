@@ -20,7 +20,7 @@ DEVFACTS_BEGIN_DECLS
  *
  * The control socket is an AF_INET datagram socket, neither bound nor connected. It is process-wide and inherited by
  * fork() and exec(). ioctl_close(), iw_info(), eth_info() and eth_perm_addr() close it; the next request opens a new
- * one, maybe with another number. A program that closes all descriptors from 3 on calls ioctl_close() first.
+ * one, maybe with another number. A program that closes all descriptors from 3 on must call ioctl_close() first.
  * @{ */
 
 /** Writes a formatted text to standard error and ends the process with exit(1).

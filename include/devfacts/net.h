@@ -4,9 +4,9 @@
  * The list is process-wide: use it from one thread at a time. Handles of the client are independent of each other.
  *
  * Collections and the client fail through die(), which ends the process with status 1, and they wait for the kernel
- * without a limit. A program that must not end or wait collects in a child process (examples/statusd.c), or uses a
- * handle of its own with a receive timeout (examples/monitor.c). Messages are trusted: a process with CAP_NET_ADMIN can
- * send some of its own, and end the process with them (docs/trust.md).
+ * without a limit. A program that must not end collects in a child process (examples/statusd.c). One that must not wait
+ * sets SO_RCVTIMEO on a handle of its own, then calls nl_dump() and nl_recv() (examples/monitor.c). Messages are
+ * trusted: a process with CAP_NET_ADMIN can send false ones, which can also end the process (docs/trust.md).
  * @{ */
 #ifndef DEVFACTS_NET_H
 #define DEVFACTS_NET_H
@@ -39,9 +39,9 @@ typedef struct list_link {
 } list_link;
 
 /** One network interface, as the kernel's link message describes it. What the message lacks is zero.
- * The master of a VLAN or macvlan is its lower device, that of a veth its peer (IFLA_LINK), that of others what
- * iw_parent_name() finds; it is never a bridge. If the master is in another namespace, its index may be that of an
- * unrelated interface here. The counters have 32 bits and wrap: bytes at 4 GiB. */
+ * The master is what IFLA_LINK names (the lower device of a VLAN or macvlan, the peer of a veth), else what
+ * iw_parent_name() finds. It is never a bridge. If it is in another namespace, its index may be that of an unrelated
+ * interface here. The counters have 32 bits and wrap: bytes at 4 GiB. */
 typedef struct ifi_entry {
   list_link list;                /**< link in ::interfaces; the first member, so it can be cast to the record */
   list_link addrs;               /**< head of the list of ::ipi_entry records, in the kernel's order */
@@ -57,8 +57,8 @@ typedef struct ifi_entry {
 } ifi_entry;
 
 /** One address of an interface.
- * On a point-to-point link addr is the peer's address; the interface's own one is not in the record. Both addresses are
- * in network order and have at least 16 bytes, zero after their end, and one more NUL. */
+ * On a point-to-point link addr is the peer's address, and the interface's own address is not in the record. addr and
+ * broadcast are in network order, with zeros after them: at least 16 bytes and one more NUL. */
 typedef struct ipi_entry {
   list_link list;     /**< link in the owner's addrs; the first member, so it can be cast to the record */
   uint16_t family;    /**< address family: AF_INET, AF_INET6, ... */
@@ -70,7 +70,9 @@ typedef struct ipi_entry {
 /** The list: the head of ::ifi_entry records in the kernel's order; empty until it is filled. */
 DEVFACTS_API extern list_link interfaces;
 
-/** Walks ::interfaces. @param entry an interface, or null to start. @return the next one; null after the last. */
+/** Walks ::interfaces. To release an interface, get the next one first.
+ * @param entry an interface, or null to start.
+ * @return the next interface; null after the last. */
 static inline ifi_entry *ifi_next(const ifi_entry *entry) {
   list_link *link = entry != NULL ? entry->list.next : interfaces.next;
   return link != &interfaces ? (ifi_entry *)link : NULL;
@@ -88,6 +90,11 @@ static inline ipi_entry *ipi_next(const ifi_entry *entry, const ipi_entry *addre
 /** Fills ::interfaces from the kernel (RTM_GETLINK), without addresses, if the list is empty.
  * A list with a record in it is returned as it is, however old and however filled: call ifi_free_all() first for a new
  * one. Ends the process as nl_open(), nl_dump(), nl_recv() and ifi_alloc() do.
+ * @return &interfaces. */
+DEVFACTS_API list_link *ifi_get_all(void);
+
+/** Fills ::interfaces with addresses (RTM_GETLINK, then RTM_GETADDR) if the list is empty; otherwise as ifi_get_all().
+ * An address of an interface that is not in the list is dropped, and so is one without memory.
  * @return &interfaces.
  * @par Example
  * @code
@@ -101,11 +108,6 @@ static inline ipi_entry *ipi_next(const ifi_entry *entry, const ipi_entry *addre
  *   }
  * }
  * @endcode */
-DEVFACTS_API list_link *ifi_get_all(void);
-
-/** Fills ::interfaces with addresses (RTM_GETLINK, then RTM_GETADDR) if the list is empty; otherwise as ifi_get_all().
- * An address of an interface that is not in the list is dropped, and so is one without memory.
- * @return &interfaces. */
 DEVFACTS_API list_link *ifi_get_all_ip(void);
 
 /** Searches ::interfaces for a name; the kernel is not asked. A record without a name never matches.
@@ -123,7 +125,8 @@ DEVFACTS_API ifi_entry *ifi_find_by_index(int32_t index);
  * text. */
 DEVFACTS_API ifi_entry *ifi_alloc(void);
 
-/** Allocates an address record, all zero, in no list. @return the record, for ifi_add_addr(); null without memory. */
+/** Allocates an address record, all zero, in no list.
+ * @return the record, for ifi_add_addr() or free(); null without memory. */
 DEVFACTS_API ipi_entry *ipi_alloc(void);
 
 /** Appends an interface to ::interfaces, which then owns it.
@@ -143,7 +146,7 @@ DEVFACTS_API void ifi_free(ifi_entry *entry);
 DEVFACTS_API void ifi_free_all(void);
 
 /** Registers the interface that a link message describes: the callback of the link dump.
- * The type of the message is not checked. Ends the process as ifi_alloc() does.
+ * The type of the message is not checked. Ends the process as ifi_alloc() does; warns as nl_parse_rtattr() does.
  * @param message a message with a struct ifinfomsg and attributes. It is not changed; no byte after its nlmsg_len is
  * read.
  * @return always 0. */

@@ -1,4 +1,4 @@
-// The bounded reader for bytes that come from outside: it never looks beyond what it was given.
+// The bounded reader for bytes from outside: it never reads beyond its buffer.
 #pragma once
 
 #include <algorithm>
@@ -22,7 +22,7 @@ class byte_reader {
     return true;
   }
 
-  // The same for callers to which a short record is one too: the bytes that the input lacks are zero.
+  // The same for callers that accept a short record: the bytes that the input lacks are zero.
   template <class T>
   T read_or_zero() {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -14,7 +14,7 @@ class byte_writer {
  public:
   explicit byte_writer(std::span<std::byte> buffer) : rest_(buffer) {}
 
-  // The record as it lies in memory.
+  // The record with the bytes that it has in memory.
   template <class T>
   void write(const T &record) {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -13,7 +13,7 @@ struct flag_word {
 constexpr flag_word descriptor_flags{F_GETFD, F_SETFD, "cannot set FD_CLOEXEC flag.\n"};
 constexpr flag_word status_flags{F_GETFL, F_SETFL, "cannot set O_NONBLOCK flags.\n"};
 
-// The reading call is not tested by itself: where it fails, so does the writing one.
+// The reading call needs no check: if it fails, so does the writing one.
 int change(int fd, const flag_word &word, int set, int clear) {
   const int flags = fcntl(fd, word.read_command);
   const int result = fcntl(fd, word.write_command, (flags | set) & ~clear);

@@ -14,7 +14,7 @@ constexpr char entities[][max_length + 2] = {"", "&gt;", "&quot;", "&lt;", "", "
 
 constexpr size_t slot_of(uint8_t byte) { return (byte ^ byte >> 2) % 8; }
 
-// How many bytes stand for each byte in XML.
+// How many bytes replace each byte in XML.
 struct length_table {
   uint8_t of[256];
 };

@@ -7,7 +7,7 @@ namespace {
 
 constexpr int groups = 6;
 
-// One group and the ":" or the end of the text behind it; gives the place of the latter, null where there is none.
+// Reads one group. Returns a pointer to the ":" or the end of the text after it; null if there is neither.
 const char *parse_group(const char *text, uint8_t &byte) {
   char *end = nullptr;
   errno = 0;

@@ -5,7 +5,7 @@
 
 namespace {
 
-// A minus sign makes a negative number of a 32-bit one, which is taken modulo 2^32; beyond that is the largest.
+// As strtoul: a minus sign negates a number modulo 2^32, and out of range is the maximum.
 uint32_t cut(long long number, uint32_t /*type*/) {
   constexpr long long max = UINT32_MAX;
   if (number >= -max && number <= max) return static_cast<uint32_t>(number);

@@ -1,4 +1,4 @@
-// Owners: each releases what it holds when it goes out of scope.
+// Owners: each releases what it holds at the end of its scope.
 #pragma once
 
 #include <unistd.h>

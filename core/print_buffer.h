@@ -39,7 +39,7 @@ class print_buffer {
   void flush_and_append(const char *name, const char *value);
 
   size_t size_ = 0;
-  char text_[capacity + sizeof "  <></>\n"];  // what stands beside an item's texts is appended without a look
+  char text_[capacity + sizeof "  <></>\n"];  // the rest of an item is appended without a check
 };
 
 }  // namespace devfacts

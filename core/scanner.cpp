@@ -1,4 +1,4 @@
-// Texts of "key: value" lines.
+// Files of "key: value" lines.
 #include <devfacts/core.h>
 
 #include <cstdio>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr int line_size = 1024;
 
-// The first "=" or ":" of the line, or else its first blank; null where it has none of them.
+// The first "=" or ":" of the line, else its first blank; null without any of them.
 char *find_separator(char *line) {
   char *blank = nullptr;
   for (; *line != '\0'; ++line) {
@@ -25,7 +25,7 @@ char *find_separator(char *line) {
   return blank;
 }
 
-// Ends the key, which begins the line, and gives the value; null where the line cannot be split.
+// Ends the key at the start of the line and returns the value; null if the line cannot be split.
 char *split(char *line) {
   char *separator = find_separator(line);
   if (separator == nullptr) return nullptr;
@@ -37,7 +37,7 @@ char *split(char *line) {
 void walk(FILE *stream, const char *prefix, iterate_callback callback, void *context) {
   const size_t prefix_length = prefix != nullptr ? std::strlen(prefix) : 0;
   char buffer[line_size];
-  // The stream is this thread's alone, so it needs no lock for each line.
+  // No other thread uses the stream, so no lock for each line is needed.
   while (feof_unlocked(stream) == 0 && fgets_unlocked(buffer, line_size, stream) != nullptr) {
     char *key = trimr_string(triml_string(buffer));
     if (*key == '\0' || (prefix_length != 0 && std::strncmp(key, prefix, prefix_length) != 0)) continue;
@@ -46,7 +46,7 @@ void walk(FILE *stream, const char *prefix, iterate_callback callback, void *con
   }
 }
 
-// A match stores what its value gives and ends the walk.
+// Stores the number of a selected line and ends the walk.
 template <class Number>
 int store_number(void *context, const char *value) {
   auto *slot = static_cast<first_match_u32 *>(context);
@@ -56,7 +56,7 @@ int store_number(void *context, const char *value) {
   return 1;
 }
 
-// One row more, with a copy of the value.
+// Adds a row with a copy of the value.
 bool append(keyval_list *list, const char *value) {
   const auto count = static_cast<size_t>(list->count);
   void *rows = std::realloc(count == 0 ? nullptr : list->rows, (count + 1) * sizeof(keyval_entry));

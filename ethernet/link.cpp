@@ -1,4 +1,4 @@
-// What ethtool tells of a wired interface.
+// The state of a wired interface, by ethtool.
 #include <devfacts/core.h>
 #include <devfacts/ethernet.h>
 #include <linux/ethtool.h>
@@ -37,7 +37,7 @@ bool eth_read_perm_addr(ifreq &request, uint8_t *addr) {
   return true;
 }
 
-// In the kernel's order; a request that fails is the last.
+// Three requests in this order, up to the first that fails.
 bool read_all(eth_status *status, const char *name) {
   auto request = make_request<ifreq>(name);
   ethtool_cmd settings{};

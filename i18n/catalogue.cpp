@@ -1,4 +1,4 @@
-// Looks texts up in a catalogue of the .po form.
+// Translations from a catalogue in the .po form.
 #include <devfacts/i18n.h>
 
 #include <algorithm>
@@ -20,15 +20,15 @@ constexpr char translation_start[] = "msgstr \"";
 constinit char po_access_path[text_size] = "";
 constinit char gettext_result[text_size] = "";
 
-// The streams here are their caller's alone, so they need no lock for each line.
+// No other thread uses these streams, so no lock for each line is needed.
 bool read_line(char (&line)[text_size], FILE *file) { return fgets_unlocked(line, text_size, file) != nullptr; }
 
-// Moves on to the line behind the one that is all of the id's entry.
+// Moves on to the line after the id's entry.
 bool find_entry(FILE *file, const char *id, char (&line)[text_size]) {
   char wanted[text_size];
   const auto length = static_cast<size_t>(std::snprintf(wanted, text_size, "%s%s\"", id_start, id));
   while (read_line(line, file)) {
-    // The start tells most lines apart; an id too long for its line is in none.
+    // The start excludes most lines; an id too long for its line is never found.
     if (std::strncmp(line, wanted, length) != 0 || std::strstr(line, id) == nullptr) continue;
     line[std::strcspn(line, "\r")] = '\0';
     line[std::strcspn(line, "\n")] = '\0';
@@ -37,7 +37,7 @@ bool find_entry(FILE *file, const char *id, char (&line)[text_size]) {
   return false;
 }
 
-// Puts a line's translation into the result, if it is a whole one.
+// Copies a line's translation to the result, if it is complete.
 void take_translation(const char *line) {
   const char *start = std::strstr(line, translation_start);
   if (start == nullptr) return;
@@ -47,7 +47,7 @@ void take_translation(const char *line) {
   *std::copy(start, end, gettext_result) = '\0';
 }
 
-// The id stands in the result already, which stays as it is where there is no translation.
+// The result has the id already, and keeps it without a translation.
 void translate_result() {
   const unique_file file{std::fopen(po_access_path, "re")};
   char line[text_size];
@@ -61,7 +61,7 @@ int set_po_access_path(const char *catalogue, const char *base_dir) {
   char language[text_size];
   if (!file || !read_line(language, file.get())) return -1;
   *std::find_if(language, language + std::strlen(language), is_space) = '\0';
-  // A longer path is cut; what no path has room for is not even looked at.
+  // A longer path is cut; what cannot be in it is not even read.
   constexpr char form[] = "%.4095s/%s/%.4095s.po";
   return std::snprintf(po_access_path, text_size, form, base_dir, language, catalogue) > 0 ? 0 : -1;
 }
@@ -69,9 +69,9 @@ int set_po_access_path(const char *catalogue, const char *base_dir) {
 char *gettext(const char *msgid) noexcept {
   const int error = errno;
   const size_t length = strnlen(msgid, text_size), kept = std::min(length, text_size - 1);
-  std::memmove(gettext_result, msgid, kept);  // it may lie in an earlier result
+  std::memmove(gettext_result, msgid, kept);  // it may be in an earlier result
   gettext_result[kept] = '\0';
-  if (length == kept) translate_result();  // no line has room for one that was cut
+  if (length == kept) translate_result();  // one that was cut is longer than a line
   errno = error;
   return gettext_result;
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int header_size = sizeof(rtattr);
 
-// A length below the header's claims no payload.
+// An attribute shorter than its header has no payload.
 size_t payload_size(const rtattr *attribute) { return static_cast<size_t>(std::max(nla_length(attribute), 0)); }
 
 rtattr *next_attribute(rtattr *attribute, int step) {

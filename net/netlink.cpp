@@ -98,7 +98,7 @@ int nl_dump(nl_handle *handle, int type) {
 
 void nl_recv(nl_handle *handle, nl_callback callback) {
   const auto size = static_cast<size_t>(getpagesize()) * receive_pages;
-  // On the stack, though its size is known at run time only: a dump costs no heap.
+  // On the stack although its size is known at run time only, so that a dump needs no heap.
   // cppcheck-suppress allocaCalled
   auto *buffer = static_cast<char *>(alloca(size));
   sockaddr_nl sender{};

@@ -23,7 +23,7 @@ ifi_entry *find_first(Matches matches) {
   return nullptr;
 }
 
-// The visit may take the link out of the list and release it.
+// The visit may unlink and release the link.
 template <class Visit>
 void for_each_taking_next(list_link *head, Visit visit) {
   for (list_link *link = head->next, *next = nullptr; link != head; link = next) {

@@ -24,7 +24,7 @@ constexpr char counter_names[][20] = {
 };
 static_assert(sizeof counter_names / sizeof *counter_names == 23);
 
-// The element of an address; null for a family that has none.
+// The element of an address; null if its family has no element.
 const char *address_element(const ipi_entry *address) {
   switch (address->family) {
     case AF_INET: return "ipv4";

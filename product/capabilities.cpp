@@ -22,7 +22,7 @@ namespace {
 
 using unique_store = std::unique_ptr<cfg_store, release_with<cfg_destroy>>;
 
-// A key put together; what does not fit is cut.
+// A formatted key, cut if it does not fit.
 struct key_text {
   char text[512];
 
@@ -36,8 +36,8 @@ struct key_text {
 
 void *at(void *record, size_t offset) { return static_cast<char *>(record) + offset; }
 
-// The getters are asked for keys that are there. They find their slot all zero, which is an absent one, and leave its
-// padding alone.
+// The getters are called for keys that exist. Their slot is all zero before, which means absent, and its padding stays
+// so.
 void get_string(caps_string &slot, cfg_handle cfg, const char *key) {
   const char *text = cfg_get_value(cfg, 0, key);
   if (text == nullptr) return;
@@ -65,7 +65,7 @@ void get_field(void *record, const caps_field &field, cfg_handle cfg, const char
   }
 }
 
-// The rows of a list, while they are read and when they are dropped.
+// The rows of a list while they are read or released.
 struct row_array {
   void *rows = nullptr;
   int32_t count = 0;
@@ -137,7 +137,7 @@ void load_list(void *owner, const caps_list &list, cfg_handle cfg, const char *p
 // NOLINTEND(misc-no-recursion)
 
 void load(cfg_handle cfg) {
-  product_caps.loaded = 1;  // what follows can lose parts, but not fail as a whole
+  product_caps.loaded = 1;  // from here on parts can be missing, but nothing fails as a whole
   for (const caps_section &section : caps_sections) {
     for (const caps_field &field : section.fields) get_field(&product_caps, field, cfg, section.prefix);
     if (section.list != nullptr) load_list(&product_caps, *section.list, cfg, section.prefix);

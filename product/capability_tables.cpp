@@ -77,7 +77,7 @@ constexpr caps_field feature_fields[] = {
 
 #undef FIELD
 
-// The text gives the channels' centres; the bounds lie this far outside.
+// The text has the centres of the outermost channels; the bounds are this far outside.
 constexpr int64_t margin = 10;
 
 void work_out_bounds(void *row) {
@@ -88,12 +88,12 @@ void work_out_bounds(void *row) {
   if (range->range.present == 0) return;
   // NOLINTNEXTLINE(cert-err34-c): what sscanf takes for a range is one
   if (std::sscanf(range->range.value, " %d %c %d", &low, &separator, &high) != 3 || separator != '-') return;
-  // Figures at the ends of an int's range wrap around.
+  // Numbers at the ends of an int's range wrap around.
   range->low = static_cast<int32_t>(low - margin);
   range->high = static_cast<int32_t>(high + margin);
 }
 
-// Where an owner keeps a list, and what its rows are.
+// The place of a list in its owner, and the size of its rows.
 #define ROWS(owner, count, rows, row) \
   .row_size = sizeof(row), .count_at = offsetof(owner, count), .rows_at = offsetof(owner, rows)
 

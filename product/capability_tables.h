@@ -18,9 +18,9 @@ struct caps_field {
   slot_type type;
 };
 
-// A list: how its rows are found and filled, and where its owner keeps their count and array.
+// A list: how its rows are found and filled, and at which places its owner has their count and array.
 struct caps_list {
-  const char *suffix;  // an index has a row where this key is there
+  const char *suffix;  // an index has a row if this key exists
   uint16_t row_size;
   uint16_t count_at;
   uint16_t rows_at;
@@ -30,7 +30,7 @@ struct caps_list {
   const caps_list *inner = nullptr;
 };
 
-// A part of the object: fields below a prefix, or a list.
+// A part of the object: fields under a prefix, or a list.
 struct caps_section {
   const char *prefix;
   std::span<const caps_field> fields;

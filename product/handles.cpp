@@ -28,7 +28,7 @@ int open_file(cfg_handle &handle, const char *path) {
   return -1;
 }
 
-// The store takes the key as a format; one with a conversion in it would read values that nobody passed.
+// The store takes the key as a format: a conversion in it would read values that nobody passed.
 const char *get(cfg_handle handle, const char *key) {
   if (handle == nullptr || std::strchr(key, '%') != nullptr) return nullptr;
   return cfg_get(handle, key);

@@ -1,4 +1,4 @@
-// What device this is.
+// Names, serial number, firmware version and chip.
 #include <devfacts/core.h>
 #include <devfacts/product.h>
 
@@ -24,7 +24,7 @@ constexpr struct {
     {CPU_SL3512, "SL3512"},   {CPU_X86, "x86"},       {CPU_XSCALE, "xscale"},
 };
 
-// Atomic, as first calls at the same time all store the same number.
+// Atomic: first calls at the same time all store the same number.
 constinit std::atomic<int32_t> cpu_id_cached = CPU_NONE;
 static_assert(std::atomic<int32_t>::is_always_lock_free);
 

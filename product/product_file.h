@@ -1,4 +1,4 @@
-// Where the product description stands.
+// The path of the product description.
 #pragma once
 
 namespace devfacts {

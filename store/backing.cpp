@@ -24,7 +24,7 @@ bool is_folder(const char *path) {
   return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// What the file is already is not written again, so that looking for records costs no write.
+// A file that already has its size and mode is not changed, so that reading records writes nothing.
 unique_fd eeprom_fallback_open() {
   if (!is_folder(fallback_folder)) return {};
   unique_fd file{open(fallback_file, O_RDWR | O_CREAT | O_SYNC | O_CLOEXEC, fallback_mode)};

@@ -24,8 +24,8 @@ constexpr size_t block_steps = 1024;
 
 bool load_at(int fd, off_t offset) { return lseek(fd, offset, SEEK_SET) == offset && eeprom_load_image(fd) == 0; }
 
-// Loads the image at the lowest offset at which one loads. The store is over where a read of a single step fails; a
-// block that comes short may hold steps yet, which are then read one at a time.
+// Loads the image at the lowest offset at which one loads. The store ends at the first step that cannot be read; after
+// a short read the remaining steps are read one at a time.
 bool find_image(int fd) {
   image_header block[block_steps];
   size_t wanted = step;

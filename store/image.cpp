@@ -44,7 +44,7 @@ int devfacts::eeprom_load_image(int fd) {
   const uint32_t total_length = header.total_length.value();
   if (total_length > max_loaded_size) return -1;
   if (lseek(fd, -static_cast<off_t>(sizeof header), SEEK_CUR) < 0) return -1;
-  // On the stack, though its size is known at run time only: gone on every way out, and no memory to run out of.
+  // On the stack although its size is known at run time only: every return releases it, and no allocation can fail.
   // cppcheck-suppress allocaCalled
   void *buffer = alloca(total_length);
   if (!read_exactly(fd, buffer, total_length)) return -1;

@@ -11,16 +11,16 @@ namespace devfacts {
 
 inline constexpr big_endian<uint32_t> image_magic = 0x57584545;  // "WXEE"
 
-// What a search considers; nothing else is written.
+// Sizes that a search considers; no others are written.
 inline constexpr uint32_t min_image_size = 17;
 inline constexpr uint32_t max_image_size = 65535;
 
 struct image_header {
   big_endian<uint32_t> magic;
   big_endian<uint32_t> total_length;  // header, records and their padding
-  big_endian<uint16_t> fixed_one;     // not looked at
-  big_endian<uint16_t> fixed_zero;    // not looked at
-  big_endian<uint32_t> must_be_zero;  // not looked at by a search
+  big_endian<uint16_t> fixed_one;     // ignored
+  big_endian<uint16_t> fixed_zero;    // ignored
+  big_endian<uint32_t> must_be_zero;  // ignored by a search
 };
 static_assert(sizeof(image_header) == 16 && alignof(image_header) == 1);
 
@@ -30,11 +30,11 @@ inline bool is_candidate(const image_header &header) {
   return total_length >= min_image_size && total_length <= max_image_size;
 }
 
-// Puts the records of the image at the descriptor's position into the table: 0 for all of a whole image; -1 otherwise,
-// and then those in front of the fault are in the table.
+// Adds the records of the image at the descriptor's position to the table. Returns 0 for a whole image; otherwise -1,
+// with the records before the damage in the table.
 int eeprom_load_image(int fd);
 
-// The bytes of the image that the table makes; its header alone where it holds no record.
+// The size of the table's image; that of the header if there is no record.
 std::size_t eeprom_image_size();
 
 // Writes the table's image into a buffer of its size.

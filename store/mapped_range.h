@@ -5,7 +5,8 @@
 
 namespace devfacts {
 
-// Makes sure that the file system has blocks for these bytes. False beyond the end of the file, or if it has none left.
+// Makes sure that the file system has blocks for these bytes. False beyond the end of the file, or if the file system
+// is full.
 bool reserve_range(int fd, off_t offset, off_t count);
 
 // Reads the bytes as a mapping does, by whole pages.

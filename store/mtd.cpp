@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t list_size = 2048;
 
-// The kernel's list of partitions as a text, as far as one read gives it.
+// The kernel's list of partitions as a text: what one read returns of it.
 bool read_list(char (&text)[list_size]) {
   const unique_fd file{open("/proc/mtd", O_RDONLY | O_CLOEXEC)};
   if (!file) return false;
@@ -29,8 +29,8 @@ struct list_line {
   const char *name;
 };
 
-// Cuts a line 'mtd0: 00010000 00010000 "name"' in place; the name's first and last character go, one of which is a
-// quote.
+// Splits a line 'mtd0: 00010000 00010000 "name"' in place. The name loses its first and last character, one of which
+// is a quote.
 bool split(char *line, list_line &fields) {
   fields.device = strsep(&line, " ");
   for (int skipped = 0; skipped < 2; ++skipped) strsep(&line, " ");  // size and erase size

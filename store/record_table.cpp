@@ -31,7 +31,7 @@ bool grow(uint32_t capacity) {
 
 void eeprom_slot_release(uint32_t id) { std::free(std::exchange(eeprom_table.slots[id], nullptr)); }
 
-// With the zeros that pad it, and one more that ends a text.
+// With the padding, and one more zero that ends a text.
 eeprom_record *make_record(uint32_t id, const void *data, uint32_t size) {
   auto *record = static_cast<eeprom_record *>(std::calloc(padded_size(size + record_head_size) + 1, 1));
   if (record == nullptr) return nullptr;
@@ -45,7 +45,7 @@ eeprom_record *make_record(uint32_t id, const void *data, uint32_t size) {
 
 int eeprom_update(int32_t id, const void *data, uint32_t size) {
   if (size == 0) return 0;
-  const auto slot = static_cast<uint32_t>(id);  // negative ones are beyond all others
+  const auto slot = static_cast<uint32_t>(id);  // negative ones are larger than all others
   if (slot >= max_slots || size > max_payload) return -1;
   if (slot >= eeprom_table.capacity && !grow(capacity_for(slot))) return -1;
   eeprom_slot_release(slot);
@@ -79,7 +79,7 @@ void eeprom_free() {
 }
 
 void eeprom_for_each(eeprom_callback callback) {
-  // Looked at afresh for each slot: the callback may change the table.
+  // Reads the table again for each slot: the callback may change it.
   for (uint32_t id = 0; id < eeprom_table.capacity; ++id) {
     if (eeprom_table.slots[id] != nullptr) callback(eeprom_table.slots[id]);
   }

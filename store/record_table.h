@@ -10,13 +10,13 @@ namespace devfacts {
 inline constexpr uint32_t record_head_size = sizeof(eeprom_record);
 
 struct record_table {
-  uint32_t capacity;      // slots there are
-  eeprom_record **slots;  // slot number = id; null where there is no record, and as a whole without slots
+  uint32_t capacity;      // number of slots
+  eeprom_record **slots;  // by id; null without a record. As a whole null without slots
 };
 
 extern constinit record_table eeprom_table;
 
-// The bytes up to where the next record may start.
+// The length up to the start of the next record.
 constexpr uint32_t padded_size(uint32_t length) { return (length + 3) & ~3U; }
 
 }  // namespace devfacts

@@ -1,4 +1,4 @@
-// The size in bytes of one element of a record, by id; 0 where a record is not counted in elements.
+// The size in bytes of one element of a record, by id; 0 if its elements are not counted.
 #pragma once
 
 #include <cstdint>

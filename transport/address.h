@@ -12,7 +12,7 @@ namespace devfacts {
 
 class socket_address {
  public:
-  // Where the path and its NUL do not fit, the length is 0 and errno tells why.
+  // If the path and its NUL do not fit, the length is 0 and errno is set.
   explicit socket_address(const char *path) {
     const size_t count = std::strlen(path);
     if (count < sizeof name_.sun_path) {

@@ -1,4 +1,4 @@
-// The datagram, as it lies in memory and on its way.
+// The datagram, in memory as on its way.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 namespace devfacts {
 
 struct socket_container {
-  uint32_t length;  // of the payload, which stands behind it, in host order; never 0
+  uint32_t length;  // of the payload after it, in host order; never 0
 };
 static_assert(sizeof(socket_container) == 4);
 

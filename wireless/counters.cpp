@@ -22,7 +22,7 @@ constexpr counter tx_total = {"/proc/net/%s/txstats", "Packets", &iw_status::tx_
 constexpr counter rx_errors = {"/proc/net/%s/rxstats", "Dropped", &iw_status::rx_errors};
 constexpr counter rx_total = {"/proc/net/%s/rxstats", "Packets", &iw_status::rx_total};
 
-// Read in this order, each from where the one before stopped.
+// Read in this order, each after the one before.
 constexpr struct {
   char format[22];
   int64_t iw_status::*field;

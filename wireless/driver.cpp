@@ -55,7 +55,7 @@ int iw_rssi(iw_status *status, const char *name) {
 }
 
 int iw_encoding_flags(iw_status *status, const char *name) {
-  uint8_t key[64]{};  // the driver may put one there, which goes nowhere
+  uint8_t key[64]{};  // the driver may write a key, which is dropped
   return query(SIOCGIWENCODE, name, {key, sizeof key, 0},
                [=](const iwreq_data &answer) { status->encoding_flags = answer.data.flags; });
 }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr size_t max_name_length = 16;
 
-// In the order in which they are read; each has one of the two fields.
+// In the order of reading; each has one of the two fields.
 constexpr struct limit_key {
   char key[30];  // in place: no relocation
   iw_limit_value iw_radio_limits_t::*number;
@@ -34,7 +34,7 @@ void iw_parse_limit(const char *text, iw_limit_value &limit) {
   limit.present = parse_number(text, limit.value) ? 1 : 0;
 }
 
-// A copy that stays for as long as the process lives: the cache outlives the store.
+// A copy for the life of the process: the cache outlives the store.
 void keep_text(const char *text, const char *&slot) {
   const char *copy = strdup(text);
   if (copy != nullptr) slot = copy;

@@ -6,7 +6,7 @@
 
 namespace devfacts {
 
-// Puts the name into the format. A path that does not fit is none: what is left of it could be another file's.
+// Formats a path with the name. False if it does not fit: a cut path could be another file's.
 template <size_t Size>
 bool format_path(char (&path)[Size], const char *format, const char *name) {
   const int length = std::snprintf(path, Size, format, name);

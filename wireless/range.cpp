@@ -1,4 +1,4 @@
-// What the driver knows of its own range.
+// The driver's range record: rates, frequencies and channels.
 #include <devfacts/wireless.h>
 #include <linux/wireless.h>
 
@@ -21,8 +21,8 @@ namespace {
 constexpr uint32_t channel_list_request = SIOCIWFIRSTPRIV + 13;
 constexpr uint16_t channel_list_size = 2048;
 
-// Mantissa times ten to the exponent. Powers are slow where the processor has no floating-point unit, and the rows of a
-// table mostly share theirs, so the last one is kept.
+// Mantissa times ten to the exponent. Powers are slow on a processor without a floating-point unit, and most rows of a
+// table have the same exponent, so the last power is kept.
 class frequency_reader {
  public:
   double read(const void *freq) {

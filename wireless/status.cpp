@@ -3,7 +3,7 @@
 #include <devfacts/product.h>
 #include <devfacts/wireless.h>
 
-// Each query stands for itself: one that fails stops nothing, and its fields stay zero.
+// A query that fails does not stop the others; its fields stay zero.
 int iw_info(iw_status *status, const char *name) {
   *status = {};
   status->ifname = name;

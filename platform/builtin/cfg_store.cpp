@@ -19,7 +19,7 @@ struct cfg_store {
 
 namespace {
 
-// Finished keys are looked up as they are, whatever their length.
+// Keys without a conversion are looked up as they are, whatever their length.
 const char *find(const cfg_store *store, const char *format, va_list values) {
   if (std::strchr(format, '%') == nullptr) return store->keys.find(format);
   char key[1024];
@@ -28,7 +28,7 @@ const char *find(const cfg_store *store, const char *format, va_list values) {
 }
 
 struct index_walk {
-  cfg_iterator slots;  // first, so that a pointer to it is one to the walk
+  cfg_iterator slots;  // the first member, so that it can be cast to the walk
   std::span<const indexed_value> rest;
 };
 

@@ -17,7 +17,7 @@ using namespace devfacts;
 
 namespace {
 
-// Opened without waiting, so that a pipe is refused like all else that is no file.
+// Opened without waiting, so that a pipe is refused like anything else that is not a regular file.
 unique_fd open_file(const char *path, size_t &size) {
   unique_fd file{open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
   struct stat status;
@@ -53,7 +53,7 @@ key_table::~key_table() {
   while (texts_ != nullptr) std::free(std::exchange(texts_, texts_->older));
 }
 
-// All is made beside what the table holds, and takes its place only once nothing can fail.
+// Everything is made beside the old content, and replaces it only when nothing can fail any more.
 bool key_table::load(const char *path) {
   malloc_ptr<file_text> text = read(path);
   if (!text || std::memchr(text->bytes(), '\0', text->size) != nullptr) return false;
@@ -73,7 +73,7 @@ bool key_table::load(const char *path) {
   return true;
 }
 
-// Room for so many bytes and the NUL behind them.
+// A buffer for so many bytes and a NUL.
 bool key_table::grow(malloc_ptr<file_text> &text, size_t capacity) {
   auto *grown = static_cast<file_text *>(std::realloc(text.get(), sizeof(file_text) + capacity + 1));
   if (grown == nullptr) return false;
@@ -82,7 +82,7 @@ bool key_table::grow(malloc_ptr<file_text> &text, size_t capacity) {
   return true;
 }
 
-// The file with a NUL behind it. Its size is where to start from only: it may grow, and files of the kernel claim none.
+// The file and a NUL. Its size is only the first guess: it may grow, and files of the kernel report 0.
 malloc_ptr<key_table::file_text> key_table::read(const char *path) {
   size_t capacity = 0;
   const unique_fd file = open_file(path, capacity);
@@ -103,7 +103,7 @@ malloc_ptr<key_table::file_text> key_table::read(const char *path) {
   return text;
 }
 
-// Splits a line in place; false for one that is neither an entry nor to be passed over.
+// Splits a line in place; false if it is neither an entry nor a line to skip.
 bool key_table::take_line(char *line, char *end, array<entry> &entries) {
   if (end != line && end[-1] == '\r') --end;
   *end = '\0';
@@ -127,7 +127,7 @@ bool key_table::take_lines(file_text &text, array<entry> &entries) {
   return true;
 }
 
-// Of the lines of a key only the last one stays.
+// Keeps only the last line of each key.
 void key_table::sort(array<entry> &entries) {
   std::ranges::sort(entries.all(), [](const entry &a, const entry &b) {
     const int order = std::strcmp(a.key, b.key);

@@ -1,5 +1,4 @@
-// The keys of configuration files, sorted once when they are read, and a second table of the indices that stand in
-// them.
+// The keys of configuration files, sorted when they are read, and a second table of the indices in them.
 #pragma once
 
 #include <compare>
@@ -14,7 +13,7 @@
 
 namespace devfacts {
 
-// A part of a key. Any order will do for the search; by length first, it seldom looks at the bytes.
+// A part of a key. Any order serves the search; with the length first, bytes are seldom compared.
 struct key_part {
   std::string_view text;
 
@@ -25,7 +24,7 @@ struct key_part {
   }
 };
 
-// A place in a key where an index stands: PREFIX.INDEX.SUFFIX.
+// The place of an index in a key: PREFIX.INDEX.SUFFIX.
 struct place {
   key_part prefix;
   key_part suffix;
@@ -46,13 +45,13 @@ class key_table {
   key_table &operator=(const key_table &) = delete;
   ~key_table();
 
-  // Takes in a file; a later line of a key replaces an earlier one. On failure the table is as it was.
+  // Adds the keys of a file; a later line of a key replaces an earlier one. On failure the table is unchanged.
   bool load(const char *path);
 
-  // The key's text, null for a key that is not there. It stays good for as long as the table lives.
+  // The key's text, valid as long as the table; null if there is no such key.
   const char *find(const char *key) const;
 
-  // What stands at PREFIX.I.SUFFIX, in ascending order of I.
+  // The values of PREFIX.I.SUFFIX in ascending order of I.
   std::span<const indexed_value> find_indices(std::string_view prefix, std::string_view suffix) const;
 
  private:
@@ -62,14 +61,14 @@ class key_table {
     size_t order;  // of the lines
   };
 
-  // What was read of one file; the keys and values lie in it.
+  // The content of one file; keys and values point into it.
   struct file_text {
     file_text *older;
     size_t size;
     char *bytes() { return reinterpret_cast<char *>(this + 1); }
   };
 
-  // An array of which the size is known before.
+  // An array of a size known before.
   template <class T>
   struct array {
     malloc_ptr<T> rows;

@@ -13,7 +13,7 @@ namespace {
 
 int priority_of(int level) { return std::clamp(level, 0, LOG_DEBUG - LOG_CRIT) + LOG_CRIT; }
 
-// The line is the message's frame: what syslog writes of it.
+// The line is the format for syslog, around the message.
 void write(int level, const char *line, const char *format, va_list values) {
   const int cause = errno;
   char text[1024] = "";

@@ -24,7 +24,8 @@ DEVFACTS_BEGIN_DECLS
  * @{ */
 
 /** Writes a formatted text to standard error and ends the process with exit(1).
- * Nothing is added to the text, not even a newline. stdio buffers are flushed and exit handlers run.
+ * Nothing is added to the text, not even a newline. stdio buffers are flushed and exit handlers run. If other pages
+ * say "die() with TEXT", the process ends in this way.
  * @param format printf-style format, followed by its values. */
 DEVFACTS_API void die(const char *format, ...) DEVFACTS_NORETURN DEVFACTS_PRINTF(1, 2);
 
@@ -79,7 +80,7 @@ DEVFACTS_API char *triml_string(const char *str);
  * trimr_string() first.
  * @param[out] addr six bytes.
  * @param text the text, not null.
- * @return 0; -1 if there is an error: the groups before it are stored. errno is changed. */
+ * @return 0; -1 if @p text is not such an address: the groups before the error are stored. errno is changed. */
 DEVFACTS_API int parse_macaddr(uint8_t *addr, const char *text);
 
 /** @} */

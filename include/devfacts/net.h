@@ -24,7 +24,7 @@ DEVFACTS_BEGIN_DECLS
  * A snapshot of the interfaces of this network namespace, and of their addresses.
  *
  * Records and all they point to belong to the list until ifi_free() or ifi_free_all(). A program must not define a
- * variable `interfaces` of its own: it would take the place of the library's and crash it.
+ * variable `interfaces` of its own: it would take the place of the library's and crash the program.
  *
  * If the kernel's tables change during a collection, interfaces or addresses can be missing or twice in the list. The
  * kernel then sets NLM_F_DUMP_INTR in messages, which a callback of your own for nl_recv() can look at before it calls

@@ -140,7 +140,7 @@ DEVFACTS_API const char *cpu_vendor(void);
  *
  * It is for reading only, as are its records and texts; all of it is valid until the process ends. Each field has the
  * value of the key beside it, unchanged: the file states no units. A program must not define a variable `product_caps`
- * of its own: it would take the place of the library's and crash it.
+ * of its own: it would take the place of the library's and crash the program.
  * @{ */
 
 /** A text that may be absent. */

@@ -51,9 +51,9 @@ DEVFACTS_API int socket_input_init(const char *path);
 DEVFACTS_API void socket_input_shutdown(int fd, const char *path);
 
 /** Calls the callback for each waiting message, in the order of arrival, without waiting for more.
- * A datagram without a message (see socket_input_extract()) is dropped: level 2, "Corrupted input from socket!!!\n".
- * One with a larger payload than SOCKET_PAYLOAD_MAX is cut, and so dropped. The call ends at an empty datagram or a
- * failed receive, and what follows waits for the next call.
+ * Each datagram without a message (see socket_input_extract()) is dropped, with a line in the log: level 2,
+ * "Corrupted input from socket!!!\n". One with a larger payload than SOCKET_PAYLOAD_MAX is cut, and so dropped. The
+ * call ends at an empty datagram or a failed receive, and what follows waits for the next call.
  * @param fd the receiver's descriptor; if negative or from FD_SETSIZE on, nothing happens.
  * @param read_set what select() returned; if the descriptor is not in it, nothing happens.
  * @param callback called on this thread.
@@ -82,11 +82,11 @@ DEVFACTS_API const void *socket_input_extract(const void *buffer, uint32_t size,
  * @ingroup transport
  * One connection of the process, which sends messages.
  *
- * The connection opens with the first message, to the path of that call; while it is open, other paths are ignored. It
- * is inherited by fork() and exec(): an error in one process ends it for all. It ends if sending fails with anything
- * but EINTR or EAGAIN, such as after the receiver's restart: that message is lost, and the next call connects again. A
- * program that closes the connection's descriptor, for example with all others, can send nothing more, or worse: the
- * next file with that number may be closed.
+ * The connection opens with the first message, to the path of that call; while it is open, other paths are ignored. No
+ * function closes it. It ends if sending fails with anything but EINTR or EAGAIN, such as after a restart of the
+ * receiver: that message is lost, and the next call connects again. fork() shares it: an error in one process ends it
+ * for both. A program that closes its descriptor, for example with all others, can send nothing more, or worse: the
+ * library may close the next file with that number.
  * @{ */
 
 /** Sends one message. The result 0 does not mean that it was sent.

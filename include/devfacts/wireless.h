@@ -125,8 +125,7 @@ DEVFACTS_API int iw_rssi(iw_status *status, const char *name);
 /** Sets encoding_flags (SIOCGIWENCODE); the key is dropped. @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_encoding_flags(iw_status *status, const char *name);
 
-/** Sets txpower (SIOCGIWTXPOW): 0 if transmitting is disabled. @param status,name record, interface. @return 0 or -1.
- */
+/** Sets txpower (SIOCGIWTXPOW): 0 if it is disabled. @param status,name record, interface. @return 0 or -1. */
 DEVFACTS_API int iw_txpower(iw_status *status, const char *name);
 
 /** @} */
@@ -231,7 +230,8 @@ DEVFACTS_API const char *iw_countrycode_limits(void);
  * @{ */
 
 /** The operation modes: "Auto", "Ad-Hoc", "Managed", "Master", "Repeater", "Secondary", "Monitor".
- * A program must not define a variable `IW_OPERATION_MODE` of its own: it would take this one's place and crash it. */
+ * A program must not define a variable `IW_OPERATION_MODE` of its own: it would take the place of this one and crash
+ * the program. */
 DEVFACTS_API extern const char *const IW_OPERATION_MODE[7];
 
 /** Names an operation mode. @param mode the mode. @return the row of ::IW_OPERATION_MODE; null from 7 on. */
@@ -239,8 +239,7 @@ DEVFACTS_API const char *iw_operation_mode2str(uint32_t mode);
 
 /** Names a security mode.
  * @param flags the encoding_flags of a record.
- * @return "off", "restricted" or "open" for 0x8000, 0x4000 or 0x2000, the first of these that is set; otherwise null.
- */
+ * @return "off", "restricted" or "open" for 0x8000, 0x4000 or 0x2000, the first that is set; otherwise null. */
 DEVFACTS_API const char *iw_security_mode2str(uint32_t flags);
 
 /** Names the channel width: "turbo" (40 MHz), "quarter" (5), "half" (10) or "full" (20).

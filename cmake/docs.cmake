@@ -1,24 +1,31 @@
-# The reference that Doxygen makes of the public headers, HTML and manual pages, and the tool's manual page.
+# The reference of the public headers: HTML by Doxygen, and manual pages that cmake/manual.py makes of Doxygen's XML. Libraries and
+# tool are built without it, packages are not.
 find_package(Doxygen QUIET)
-option(DEVFACTS_DOCS "Make the reference of the public headers (needs Doxygen)" ${DOXYGEN_FOUND})
-install(FILES docs/devfacts.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
+find_package(Python3 QUIET COMPONENTS Interpreter)
+set(DEVFACTS_DOCS_POSSIBLE OFF)
+if(DOXYGEN_FOUND AND Python3_FOUND)
+  set(DEVFACTS_DOCS_POSSIBLE ON)
+endif()
+option(DEVFACTS_DOCS "Make the reference of the public headers (needs Doxygen and Python 3)" ${DEVFACTS_DOCS_POSSIBLE})
 
 if(DEVFACTS_DOCS)
   find_package(Doxygen REQUIRED)
+  find_package(Python3 REQUIRED COMPONENTS Interpreter)
   set(DEVFACTS_REFERENCE ${PROJECT_BINARY_DIR}/docs)
   set(DEVFACTS_DOXYGEN_WARNINGS NO)
   if(CMAKE_COMPILE_WARNING_AS_ERROR)
     set(DEVFACTS_DOXYGEN_WARNINGS FAIL_ON_WARNINGS)
   endif()
+  set(input ${DEVFACTS_HEADERS} ${PLATFORM_HEADERS} ${PROJECT_SOURCE_DIR}/docs/mainpage.dox)
+  list(TRANSFORM input REPLACE "(.+)" "\"\\1\"" OUTPUT_VARIABLE DEVFACTS_DOXYGEN_INPUT)
+  list(JOIN DEVFACTS_DOXYGEN_INPUT " " DEVFACTS_DOXYGEN_INPUT)
   configure_file(docs/Doxyfile.in ${DEVFACTS_REFERENCE}/Doxyfile @ONLY)
   add_custom_command(OUTPUT ${DEVFACTS_REFERENCE}/made VERBATIM
-    DEPENDS ${DEVFACTS_HEADERS} docs/Doxyfile.in cmake/manual.cmake
-    COMMAND ${CMAKE_COMMAND} -E rm -rf html man pages WORKING_DIRECTORY ${DEVFACTS_REFERENCE}
+    DEPENDS ${input} docs/Doxyfile.in cmake/manual.py cmake/manual_filter.py
+    COMMAND ${CMAKE_COMMAND} -E rm -rf html xml pages WORKING_DIRECTORY ${DEVFACTS_REFERENCE}
     COMMAND Doxygen::doxygen Doxyfile
-    COMMAND ${CMAKE_COMMAND} -DEXPORTS=${PROJECT_BINARY_DIR}/exports.map -P ${PROJECT_SOURCE_DIR}/cmake/manual.cmake
+    COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/cmake/manual.py xml pages ${PROJECT_VERSION}
     COMMAND ${CMAKE_COMMAND} -E touch made
     COMMENT "Making the reference")
   add_custom_target(devfacts-docs ALL DEPENDS ${DEVFACTS_REFERENCE}/made)
-  install(DIRECTORY ${DEVFACTS_REFERENCE}/pages/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
-  install(DIRECTORY ${DEVFACTS_REFERENCE}/html DESTINATION ${CMAKE_INSTALL_DOCDIR})
 endif()

@@ -19,5 +19,7 @@ need() {
 }
 
 build_tools=(cmake ninja-build g++)
+docs_tools=(doxygen python3)
 mips_tools=(g++-mips-linux-gnu qemu-user)
-test_tools=(googletest iproute2 jq util-linux pkg-config libnl-3-dev libnl-route-3-dev libxml2-utils prometheus)
+test_tools=("${docs_tools[@]}" mandoc groff-base man-db googletest iproute2 jq util-linux pkg-config libnl-3-dev libnl-route-3-dev
+  libxml2-utils prometheus)

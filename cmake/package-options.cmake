@@ -1,4 +1,7 @@
 # Read by cpack before it makes a package: what only the finished build can tell.
+if(NOT CPACK_DEVFACTS_DOCS)
+  message(FATAL_ERROR "The packages hold the manual: configure with -DDEVFACTS_DOCS=ON, which needs Doxygen and Python 3.")
+endif()
 
 # Times in packages are those of the commit, without one those of the changelog.
 if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
@@ -17,5 +20,6 @@ string(REGEX MATCHALL "GLIBC_[0-9.]+" versions "${versions}")
 list(SORT versions COMPARE NATURAL ORDER DESCENDING)
 list(GET versions 0 depends)
 string(REPLACE "GLIBC_" "libc6 (>= " depends "${depends})")
+set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${CPACK_PACKAGE_VERSION}), ${depends}")
 list(APPEND depends ${CPACK_DEVFACTS_DEPENDS})
 list(JOIN depends ", " CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS)

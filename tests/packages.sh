@@ -1,28 +1,55 @@
 #!/usr/bin/env bash
-# The Debian packages of a build: the tool runs from an empty root that they are unpacked into, and a second build, of a copy
-# of the sources in paths with blanks, gives the same bytes. packages.sh BUILD_DIR SOURCE_DIR [EMULATOR...]
+# The Debian packages of a build, unpacked into a path with blanks: C examples are built with them by pkg-config, shared and static, a
+# C++ project by find_package, and these and the tool run from there. A second build, of a copy of the sources, gives the same bytes.
+# packages.sh BUILD_DIR SOURCE_DIR CC [EMULATOR...]
 set -euo pipefail
-build=$1 source=$2
-shift 2
+build=$1 source=$2 compiler=$3
+shift 3
+emulator=("$@")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-pack() { cpack --config "$1/CPackConfig.cmake" -B "$2" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }; }
+fail() { echo "$*"; exit 1; }
+quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }; }
+cached() { sed -nE "s/^($1):/-D&/p" "$build/CMakeCache.txt"; }
+pack() { quietly cpack --config "$1/CPackConfig.cmake" -B "$2"; }
+lists_lo() { "${emulator[@]}" "$@" | grep -qE '<name>lo</name>$|^1: lo' || fail "$*: does not list lo"; }
 
 pack "$build" "$work/packages"
 for package in "$work"/packages/*.deb; do dpkg-deb -x "$package" "$work/a root"; done
-(cd "$work/a root" && find . ! -type d | LC_ALL=C sort) >"$work/files"
-for file in bin/devfacts lib/libdevfacts.so.0 lib/libdevfacts.so lib/libdevfacts.a include/devfacts/net.h lib/pkgconfig/devfacts.pc; do
-  grep -qx "./usr/$file" "$work/files" || { echo "no $file in the packages"; cat "$work/files"; exit 1; }
+usr="$work/a root/usr"
+libraries=$(dirname "$(find "$usr" -name libdevfacts.a)")
+documents=$usr/share/doc/devfacts-dev
+for file in "$usr"/{bin/devfacts,include/devfacts/net.h,include/devfacts/platform/log.h,share/man/man3/ifi_get_all.3devfacts} \
+  "$libraries"/libdevfacts{,-platform}.so{,.0} "$documents"/{README.md,docs/state.md,html/index.html,examples/interfaces.c}; do
+  [ -e "$file" ] || fail "no $file in the packages"
 done
-find "$work/a root/usr" -type f \( -name '*.so.*' -o -path '*/bin/*' \) -exec "$source/script/size" --hardened "$build" {} +
-"$@" "$work/a root/usr/bin/devfacts" net lo | grep -qx '  <name>lo</name>' || { echo "the packaged tool does not list lo"; exit 1; }
+find "$usr" -type f \( -name '*.so.*' -o -path '*/bin/*' \) -exec "$source/script/size" --hardened "$build" {} +
+
+# Those of two architectures can be installed at once: what differs is in the architecture's own folder.
+architecture=${libraries#"$usr/lib/"}
+for package in "$work"/packages/{lib,devfacts-dev}*.deb; do
+  [ "$(dpkg-deb -f "$package" Multi-Arch)" = same ] || fail "$package: not for several architectures"
+  dpkg-deb -c "$package" | grep -v '/$' | grep -vE " ./usr/(include|share|lib/$architecture)/" && fail "$package: not in a folder of its own"
+done
+! grep -rlF "$architecture" "$usr/include" "$usr/share/man" || fail "these tell the architecture"
+
+for kind in shared static; do
+  eval "flags=($(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --$kind --cflags --libs devfacts))"
+  [ $kind = shared ] || flags+=(-static)
+  "$compiler" -std=c99 -Wall -Wextra -Wpedantic -Werror "$documents/examples/interfaces.c" "${flags[@]}" -o "$work/$kind-example"
+  LD_LIBRARY_PATH=$libraries lists_lo "$work/$kind-example"
+done
+mapfile -t toolchain < <(cached CMAKE_TOOLCHAIN_FILE)
+quietly cmake -G Ninja -S "$source/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$usr" "${toolchain[@]}"
+quietly cmake --build "$work/consumer"
+for program in "$work"/consumer/{shared,static}-consumer; do lists_lo "$program"; done
+lists_lo "$usr/bin/devfacts" net
 
 mkdir "$work/a copy"
 tar -C "$source" -c --exclude=./build --exclude=./.git . | tar -C "$work/a copy" -x
 [ ! -e "$source/.git" ] || ln -s "$source/.git" "$work/a copy/.git"
-mapfile -t settings < <(sed -nE 's/^(CMAKE_BUILD_TYPE|CMAKE_TOOLCHAIN_FILE|CMAKE_CXX?_FLAGS|DEVFACTS_(PLATFORM|DOCS|STACK_PROTECTOR|RELRO|FORTIFY)):/-D&/p' "$build/CMakeCache.txt")
-{ cmake -G Ninja -S "$work/a copy" -B "$work/a build" "${settings[@]}" && cmake --build "$work/a build"; } >"$work/log" 2>&1 ||
-  { cat "$work/log"; exit 1; }
+mapfile -t settings < <(cached 'CMAKE_BUILD_TYPE|CMAKE_TOOLCHAIN_FILE|CMAKE_CXX?_FLAGS|DEVFACTS_(PLATFORM|DOCS|STACK_PROTECTOR|RELRO|FORTIFY)')
+quietly cmake -G Ninja -S "$work/a copy" -B "$work/a build" "${settings[@]}"
+quietly cmake --build "$work/a build"
 pack "$work/a build" "$work/packages again"
-for file in "$build"/lib*.so.*.*.* "$build"/lib*.a "$build/tools/devfacts"; do cmp "$file" "$work/a build${file#"$build"}"; done
 for package in "$work"/packages/*.deb; do cmp "$package" "$work/packages again/${package##*/}"; done

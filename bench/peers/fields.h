@@ -5,15 +5,9 @@
 #include <net/if.h>
 #include <sys/socket.h>
 
-namespace bench {
+#include "net/counter_names.h"
 
-inline constexpr const char *counters[] = {
-    "rx_packets",       "tx_packets",        "rx_bytes",          "tx_bytes",        "rx_errors",
-    "tx_errors",        "rx_dropped",        "tx_dropped",        "multicast",       "collisions",
-    "rx_length_errors", "rx_over_errors",    "rx_crc_errors",     "rx_frame_errors", "rx_fifo_errors",
-    "rx_missed_errors", "tx_aborted_errors", "tx_carrier_errors", "tx_fifo_errors",  "tx_heartbeat_errors",
-    "tx_window_errors", "rx_compressed",     "tx_compressed",
-};
+namespace bench {
 
 inline const char *status_of(const ifi_entry *entry) { return (entry->flags & IFF_UP) != 0 ? "up" : "down"; }
 
@@ -33,7 +27,7 @@ void for_each_item(const ifi_entry *entry, Put put, Count count) {
     put(element_of(address), ifi_ip_ntop(text, sizeof text, address));
   }
   const auto *counter = reinterpret_cast<const uint32_t *>(entry->stats);
-  for (const char *name : counters) count(name, *counter++);
+  for (const char *name : devfacts::counter_names) count(name, *counter++);
 }
 
 }  // namespace bench

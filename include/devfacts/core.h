@@ -121,8 +121,9 @@ DEVFACTS_API void xml_int64_item(const char *name, int64_t value);
  * @param value the number. */
 DEVFACTS_API void xml_double_item(const char *name, double value);
 
-/** Replaces apostrophes, quotation marks, ampersands, less-than and greater-than signs by their XML entities.
- * All other bytes stay, control bytes and UTF-8 included. A text that is already escaped is escaped again.
+/** Escapes a text for XML.
+ * Apostrophes, quotation marks, ampersands, less-than and greater-than signs become entities. All other bytes stay,
+ * control bytes and UTF-8 included. A text that is already escaped is escaped again.
  * @param src the text, not null. It does not overlap @p dst.
  * @param[out] dst null, or a buffer; six times the length of @p src plus 1 bytes are always enough.
  * @return @p dst. If it is null, an allocation of the exact size, which the caller frees; null without memory. */
@@ -198,16 +199,16 @@ DEVFACTS_API void iterate(const char *path, const char *prefix, iterate_callback
  * @param context passed to the callback. */
 DEVFACTS_API void iterate_raw(FILE *stream, const char *prefix, iterate_callback callback, void *context);
 
-/** A callback that stores the number of the first selected line and ends the walk, even if that line has no number.
- * It reads the decimal number at the start of the value as strtoul() does with a 32-bit long: white space and a sign
- * are allowed, text after the number is ignored. errno is changed.
+/** A callback that stores the number of the first selected line and ends the walk.
+ * It also does so if that line has no number. It reads the decimal number at the start of the value as strtoul() does
+ * with a 32-bit long: white space and a sign are allowed, text after the number is ignored. errno is changed.
  * @param context a ::first_match_u32. Without a number it gets 0, and for one out of range UINT32_MAX; found is 0 then.
  * @param key ignored.
  * @param value the text.
  * @return always 1. */
 DEVFACTS_API int __return_first_match_in_u32(void *context, char *key, char *value);
 
-/** As __return_first_match_in_u32(), but for a signed number, as strtol() reads it with a 32-bit long.
+/** As __return_first_match_in_u32(), but for a signed number. It is read as strtol() does with a 32-bit long.
  * @param context a ::first_match_u32; the number is (int32_t)value. A number out of range becomes INT32_MIN or
  * INT32_MAX, with found 0.
  * @param key ignored.
@@ -215,7 +216,7 @@ DEVFACTS_API int __return_first_match_in_u32(void *context, char *key, char *val
  * @return always 1. */
 DEVFACTS_API int __return_first_match_in_i32(void *context, char *key, char *value);
 
-/** A callback that stores a copy of the value of the first selected line and ends the walk.
+/** A callback that copies the value of the first selected line and ends the walk.
  * @param context a ::first_match_string. A text that it already holds is overwritten, not freed.
  * @param key ignored.
  * @param value the text.

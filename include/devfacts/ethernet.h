@@ -1,5 +1,5 @@
 /** @defgroup ethernet Ethernet links
- * Speed, duplex, link, supported modes and permanent address of a wired interface, by the ethtool ioctl (SIOCETHTOOL).
+ * The state of a wired interface, by the ethtool ioctl (SIOCETHTOOL).
  *
  * Nothing here prints or logs. Use one thread at a time: the control socket is process-wide. If it cannot be opened,
  * the process ends as ioctl_socket() says. The kernel gets the first 15 characters of a name, so a longer one can
@@ -27,7 +27,7 @@ typedef struct eth_status {
  * @return 1 if so, 0 if not. */
 DEVFACTS_API int eth_capable(const char *name);
 
-/** Fills a record with three requests, ETHTOOL_GSET, ETHTOOL_GLINK and ETHTOOL_GPERMADDR; closes the control socket.
+/** Fills a record and closes the control socket. The requests are ETHTOOL_GSET, ETHTOOL_GLINK and ETHTOOL_GPERMADDR.
  * @param[out] status cleared first.
  * @param name the interface, not null.
  * @return 0; -1 at the first request that fails: the answers before it are set, the rest is zero. */

@@ -16,8 +16,8 @@
 
 DEVFACTS_BEGIN_DECLS
 
-/** Chooses the catalogue BASE_DIR/LANGUAGE/CATALOGUE.po for all later calls of gettext().
- * The language is the first line of /etc/lang up to its first white space, as it is now: call this function again after
+/** Chooses the catalogue of all later calls of gettext(): BASE_DIR/LANGUAGE/CATALOGUE.po.
+ * LANGUAGE is the first line of /etc/lang up to its first white space, as it is now: call this function again after
  * a change. The catalogue need not exist. A line or path is cut at 4095 characters.
  * @param catalogue name of the catalogue without ".po".
  * @param base_dir the folder.

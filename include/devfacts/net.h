@@ -87,13 +87,13 @@ static inline ipi_entry *ipi_next(const ifi_entry *entry, const ipi_entry *addre
   return link != &entry->addrs ? (ipi_entry *)link : NULL;
 }
 
-/** Fills ::interfaces from the kernel (RTM_GETLINK), without addresses, if the list is empty.
- * A list with a record in it is returned as it is, however old and however filled: call ifi_free_all() first for a new
- * one. Ends the process as nl_open(), nl_dump(), nl_recv() and ifi_alloc() do.
+/** Fills ::interfaces from the kernel (RTM_GETLINK), without addresses.
+ * Only an empty list is filled. One with a record in it is returned as it is, however old and however filled: call
+ * ifi_free_all() first for a new one. Ends the process as nl_open(), nl_dump(), nl_recv() and ifi_alloc() do.
  * @return &interfaces. */
 DEVFACTS_API list_link *ifi_get_all(void);
 
-/** Fills ::interfaces with addresses (RTM_GETLINK, then RTM_GETADDR) if the list is empty; otherwise as ifi_get_all().
+/** Fills ::interfaces from the kernel, with addresses (RTM_GETADDR); otherwise as ifi_get_all().
  * An address of an interface that is not in the list is dropped, and so is one without memory.
  * @return &interfaces.
  * @par Example
@@ -138,7 +138,7 @@ DEVFACTS_API void ifi_register(ifi_entry *entry);
  * @param address a record of ipi_alloc() in no list; its addr and broadcast are null or from malloc(). */
 DEVFACTS_API void ifi_add_addr(ifi_entry *entry, ipi_entry *address);
 
-/** Removes an interface from its list, if it is in one, and releases it with all it owns.
+/** Releases an interface with all it owns. If it is in a list, it is removed from it.
  * @param entry a record of ifi_alloc(), not null. */
 DEVFACTS_API void ifi_free(ifi_entry *entry);
 
@@ -172,8 +172,9 @@ DEVFACTS_API int iw_parent_name(const char *name, char *buffer, int size);
  * pipe without a reader raises SIGPIPE.
  * @{ */
 
-/** Prints ::interfaces as an element netstats, with an element interface for each record (see ifi_dump_detail()).
- * Fill the list first, with ifi_get_all_ip().
+/** Prints ::interfaces as an XML document.
+ * It is an element netstats, with an element interface for each record (see ifi_dump_detail()). Fill the list first,
+ * with ifi_get_all_ip().
  * @param filter prints only the records with exactly this name; null prints all. */
 DEVFACTS_API void ifi_dump_all(const char *filter);
 
@@ -255,13 +256,13 @@ DEVFACTS_API int nl_send(nl_handle *handle, const void *buffer, size_t length);
  * @return 20, the result of nl_send(); ends the process as that does. */
 DEVFACTS_API int nl_dump(nl_handle *handle, int type);
 
-/** Calls the callback for each received message until NLMSG_DONE, which ends a dump, or EAGAIN.
- * EAGAIN comes from a receive timeout (SO_RCVTIMEO) or a non-blocking fd. The only sign of it is errno: set it to 0
- * before the call and compare it with EAGAIN afterwards. EINTR is retried, and the timeout starts again. Replies are
- * not matched to the request, so one handle serves one dump at a time. NLMSG_NOOP and NLMSG_OVERRUN are passed on; what
- * follows NLMSG_DONE in its datagram is dropped. The receive buffer is four pages on the caller's stack: 16 KiB with
- * pages of 4 KiB. Of a larger datagram the whole messages at its start are passed on, and standard error gets the
- * warning "truncated message ?\n".
+/** Receives messages and calls the callback for each.
+ * It returns at NLMSG_DONE, which ends a dump, or at EAGAIN, which comes from a receive timeout (SO_RCVTIMEO) or a
+ * non-blocking fd. The only sign of it is errno: set it to 0 before the call and compare it with EAGAIN afterwards.
+ * EINTR is retried, and the timeout starts again. Replies are not matched to the request, so one handle serves one dump
+ * at a time. NLMSG_NOOP and NLMSG_OVERRUN are passed on; what follows NLMSG_DONE in its datagram is dropped. The
+ * receive buffer is four pages on the caller's stack: 16 KiB with pages of 4 KiB. Of a larger datagram the whole
+ * messages at its start are passed on, and standard error gets the warning "truncated message ?\n".
  * @param handle an open handle.
  * @param callback called on this thread, not null.
  * @par Failures

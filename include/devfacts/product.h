@@ -35,7 +35,7 @@ DEVFACTS_BEGIN_DECLS
 
 #ifndef DEVFACTS_CFG_HANDLE
 #define DEVFACTS_CFG_HANDLE
-/** A file in the configuration store, for the store's own operations (devfacts/platform/cfg_store.h). */
+/** A file in the configuration store (devfacts/platform/cfg_store.h). */
 typedef struct cfg_store *cfg_handle;
 #endif
 
@@ -46,11 +46,12 @@ DEVFACTS_API int sysconf_open(void);
 /** Closes the system configuration. If it is not open, nothing happens. */
 DEVFACTS_API void sysconf_close(void);
 
-/** Returns the system configuration, opened if necessary, for the configuration store's own operations.
+/** Returns the handle of the system configuration, for the configuration store's own operations.
+ * The file is opened if necessary.
  * @return the handle, borrowed until sysconf_close(); null if sysconf_open() fails. */
 DEVFACTS_API cfg_handle sysconf_get_ctx(void);
 
-/** Returns the value of a key of the system configuration, opened if necessary.
+/** Returns the value of a key of the system configuration. The file is opened if necessary.
  * @param key the key, not null. A key with "%" is never found, as the store would take it for a format.
  * @return the text, which may be empty; null if there is no such key or sysconf_open() fails. */
 DEVFACTS_API const char *sysconf_get(const char *key);
@@ -63,11 +64,12 @@ DEVFACTS_API int prod_spec_open(void);
 /** Closes the product description. If it is not open, nothing happens. A file once found missing stays missing. */
 DEVFACTS_API void prod_spec_close(void);
 
-/** Returns the product description, opened if necessary, for the configuration store's own operations.
+/** Returns the handle of the product description, for the configuration store's own operations.
+ * The file is opened if necessary.
  * @return the handle, borrowed until prod_spec_close(); null if prod_spec_open() fails. */
 DEVFACTS_API cfg_handle prod_spec_get_ctx(void);
 
-/** Returns the value of a key of the product description, opened if necessary.
+/** Returns the value of a key of the product description. The file is opened if necessary.
  * @param key the key, not null. A key with "%" is never found, as the store would take it for a format.
  * @return the text, which may be empty; null if there is no such key or prod_spec_open() fails. */
 DEVFACTS_API const char *prod_spec_get(const char *key);
@@ -79,11 +81,11 @@ DEVFACTS_API const char *prod_spec_get(const char *key);
  * Names, serial number, firmware version and chip.
  * @{ */
 
-/** Returns product.name of the product description, opened if necessary.
+/** Returns product.name of the product description. The file is opened if necessary.
  * @return the text, which may be empty, valid until prod_spec_close(); "product" if there is none. Not to be freed. */
 DEVFACTS_API const char *product_name(void);
 
-/** Returns product.enterprise-name of the product description, opened if necessary.
+/** Returns product.enterprise-name of the product description. The file is opened if necessary.
  * @return the text, which may be empty, valid until prod_spec_close(); "manufacturer" if there is none. Not to be
  * freed. */
 DEVFACTS_API const char *product_manufacturer(void);

@@ -120,8 +120,8 @@ DEVFACTS_API void eeprom_read(const char *path);
  * SIGBUS can end the process if another one shortens the store meanwhile or the flash fails. */
 DEVFACTS_API void eeprom_write(void);
 
-/** Opens the block device of a flash partition, /dev/mtdblockN, for reading and writing.
- * N comes from the first 2047 bytes of /proc/mtd, up to the first line that is not of its form.
+/** Opens the block device of a flash partition for reading and writing.
+ * It is /dev/mtdblockN. N comes from the first 2047 bytes of /proc/mtd, up to the first line that is not of its form.
  * @param name the partition's exact name.
  * @return a descriptor, inherited across exec(), which the caller closes; -1 if there is no such partition or it cannot
  * be opened. */

@@ -50,7 +50,7 @@ DEVFACTS_API int socket_input_init(const char *path);
  * happens, and the descriptor stays open. */
 DEVFACTS_API void socket_input_shutdown(int fd, const char *path);
 
-/** Calls the callback for each waiting message, in the order of arrival, without waiting for more.
+/** Calls the callback for each waiting message, in the order of arrival. It does not wait for more.
  * Each datagram without a message (see socket_input_extract()) is dropped, with a line in the log: level 2,
  * "Corrupted input from socket!!!\n". One with a larger payload than SOCKET_PAYLOAD_MAX is cut, and so dropped. The
  * call ends at an empty datagram or a failed receive, and what follows waits for the next call.

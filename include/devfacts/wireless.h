@@ -102,30 +102,32 @@ DEVFACTS_API int iw_info(iw_status *status, const char *name);
  * @return 1 if it is, 0 if not, with the ioctl's errno. */
 DEVFACTS_API int iw_capable(const char *name);
 
-/** Sets ieee_name (SIOCGIWNAME). @param status,name record, interface. @return 0 or -1. */
+/** Sets ieee_name (SIOCGIWNAME). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_ieee_name(iw_status *status, const char *name);
 
 /** Sets essid, essid_length and essid_flags (SIOCGIWESSID). The rest of essid stays as it was.
- * @param status,name record, interface.
+ * @param status,name the record, the interface.
  * @return 0 or -1. */
 DEVFACTS_API int iw_essid(iw_status *status, const char *name);
 
-/** Sets mode (SIOCGIWMODE). @param status,name record, interface. @return 0 or -1. */
+/** Sets mode (SIOCGIWMODE). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_operation_mode(iw_status *status, const char *name);
 
-/** Sets ap_addr (SIOCGIWAP). @param status,name record, interface. @return 0 or -1. */
+/** Sets ap_addr (SIOCGIWAP). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_ap_addr(iw_status *status, const char *name);
 
-/** Sets bit_rate (SIOCGIWRATE). @param status,name record, interface. @return 0 or -1. */
+/** Sets bit_rate (SIOCGIWRATE). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_current_bit_rate(iw_status *status, const char *name);
 
-/** Sets signal_level and noise_level (SIOCGIWSTATS). @param status,name record, interface. @return 0 or -1. */
+/** Sets signal_level and noise_level (SIOCGIWSTATS). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_rssi(iw_status *status, const char *name);
 
-/** Sets encoding_flags (SIOCGIWENCODE); the key is dropped. @param status,name record, interface. @return 0 or -1. */
+/** Sets encoding_flags (SIOCGIWENCODE); the key is dropped.
+ * @param status,name the record, the interface.
+ * @return 0 or -1. */
 DEVFACTS_API int iw_encoding_flags(iw_status *status, const char *name);
 
-/** Sets txpower (SIOCGIWTXPOW): 0 if it is disabled. @param status,name record, interface. @return 0 or -1. */
+/** Sets txpower (SIOCGIWTXPOW): 0 if it is disabled. @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_txpower(iw_status *status, const char *name);
 
 /** @} */
@@ -147,9 +149,10 @@ DEVFACTS_API int get_range_info(const char *name, iw_range_record *range);
  * @return the number. */
 DEVFACTS_API double iw_freq2double(const void *freq);
 
-/** Sets frequency (SIOCGIWFREQ), and channel to that of the first row of the range record with exactly this frequency.
- * Without such a row channel stays as it was, and the result is 0: clear it first.
- * @param status,name record, interface.
+/** Sets frequency (SIOCGIWFREQ) and channel (SIOCGIWRANGE).
+ * channel is that of the first row of the range record with exactly this frequency. Without such a row it stays as it
+ * was, and the result is 0: clear it first.
+ * @param status,name the record, the interface.
  * @return 0 or -1. If only the second request fails, frequency is set.
  * @par Cost
  * 13 KiB of stack. */
@@ -157,7 +160,7 @@ DEVFACTS_API int iw_freq_channel(iw_status *status, const char *name);
 
 /** Sets the start of bit_rates to the rates of the range record, at most 32.
  * Their number is its num_bitrates (get_range_info()). Rates after them stay as they were: clear bit_rates first.
- * @param status,name record, interface.
+ * @param status,name the record, the interface.
  * @return 0 or -1.
  * @par Cost
  * 13 KiB of stack. */
@@ -181,16 +184,24 @@ DEVFACTS_API int iw_get_channels(const char *name, uint32_t first_word, void *bu
  * No control socket is needed; with a record for each thread several may run at once. A call takes 5 KiB of stack.
  * @{ */
 
-/** Sets tx_retry: "Retried" in /proc/net/NAME/txstats. @param status,name record, interface. @return 0 or -1. */
+/** Sets tx_retry: "Retried" in /proc/net/NAME/txstats.
+ * @param status,name the record, the interface.
+ * @return 0 or -1. */
 DEVFACTS_API int iw_tx_retry(iw_status *status, const char *name);
 
-/** Sets tx_total: "Packets" in /proc/net/NAME/txstats. @param status,name record, interface. @return 0 or -1. */
+/** Sets tx_total: "Packets" in /proc/net/NAME/txstats.
+ * @param status,name the record, the interface.
+ * @return 0 or -1. */
 DEVFACTS_API int iw_tx_total(iw_status *status, const char *name);
 
-/** Sets rx_errors: "Dropped" in /proc/net/NAME/rxstats. @param status,name record, interface. @return 0 or -1. */
+/** Sets rx_errors: "Dropped" in /proc/net/NAME/rxstats.
+ * @param status,name the record, the interface.
+ * @return 0 or -1. */
 DEVFACTS_API int iw_rx_errors(iw_status *status, const char *name);
 
-/** Sets rx_total: "Packets" in /proc/net/NAME/rxstats. @param status,name record, interface. @return 0 or -1. */
+/** Sets rx_total: "Packets" in /proc/net/NAME/rxstats.
+ * @param status,name the record, the interface.
+ * @return 0 or -1. */
 DEVFACTS_API int iw_rx_total(iw_status *status, const char *name);
 
 /** Sets the five state times from /proc/net/madwifi/NAME/state_cnt: "INIT: 12 msecs", then SCAN, AUTH, ASSOC and RUN.
@@ -283,8 +294,8 @@ DEVFACTS_API int iw_peers(iw_peers_list *list, const char *name);
 /** Releases the rows and makes the table empty. @param list the table; null does nothing. */
 DEVFACTS_API void iw_peers_free(iw_peers_list *list);
 
-/** Checks whether ra0 has a peer, whatever interface the program otherwise asks for: whether a line of
- * /proc/net/ra0/peers begins with "Peer MAC address".
+/** Checks whether ra0 has a peer.
+ * No other interface is asked: a line of /proc/net/ra0/peers must begin with "Peer MAC address".
  * @return 1 if so. 0 if not, if the file cannot be read, and without memory. */
 DEVFACTS_API int iw_link_established(void);
 

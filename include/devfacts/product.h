@@ -124,11 +124,9 @@ enum {
 /** Checks for a chip: the one whose name is anywhere in the firmware version (4095 characters of it), in the same case.
  * If there are several names, the first in this order counts: the chips up to CPU_RT2880, then CPU_RT3052, CPU_RT3050,
  * CPU_RT3352, CPU_SL3512, CPU_X86, CPU_XSCALE. A chip that was found is remembered until the process ends; before that,
- * every call reads the file. Several threads may call it at once.
+ * every call reads the file. Several threads may call it at once. It takes 4 KiB of stack.
  * @param id a CPU_ number.
- * @return 1 if it is this chip, otherwise 0. CPU_NONE is 1 while no chip is found.
- * @par Cost
- * 4 KiB of stack. */
+ * @return 1 if it is this chip, otherwise 0. CPU_NONE is 1 while no chip is found. */
 DEVFACTS_API int cpu_detect(int32_t id);
 
 /** Returns the vendor of the wireless chip. @return "ralink", a constant. */
@@ -247,8 +245,15 @@ DEVFACTS_API extern product_caps_t product_caps;
 /** Reads the capabilities from /etc/product, unless an earlier call could.
  * It is independent of prod_spec_open(): a file once found missing is tried again. Until the first call has returned,
  * no other thread may call it or read the object.
- * @return the address of ::product_caps; null if the file cannot be loaded: the object is all zero. Without memory for
- * a text it is absent, and without memory for a row its list is empty. */
+ * @return the address of ::product_caps; null if the file cannot be loaded: the object is all zero. A text without
+ * memory for it is absent, and a list without memory for a row is empty.
+ * @par Example
+ * @code
+ * const product_caps_t *caps = product_caps_get();
+ * for (int32_t i = 0; caps && i < caps->radio_count; i++) {
+ *   if (caps->radios[i].master.present) puts(caps->radios[i].master.value);
+ * }
+ * @endcode */
 DEVFACTS_API product_caps_t *product_caps_get(void);
 
 /** @} */

@@ -99,11 +99,10 @@ DEVFACTS_API int eeprom_init(void);
 
 /** Adds the records of the image at the start of a file to the table; they replace records with the same ids.
  * A copy of the whole store is not such a file: its image is at byte 4096. Of a damaged image the records before the
- * damage are added, but not if it is longer than the file, or than 65536 bytes, or if its header is wrong.
+ * damage are added, but not if it is longer than the file, or than 65536 bytes, or if its header is wrong. The call
+ * takes as much stack as the image has bytes.
  * @param path the file. If it cannot be opened, "cannot open '%s' file, %s\n" with the path and the errno text goes to
- * standard error. Other failures are silent.
- * @par Cost
- * As much stack as the image has bytes. */
+ * standard error. Other failures are silent. */
 DEVFACTS_API void eeprom_read(const char *path);
 
 /** Stores the table as an image at byte 4096 of the store. It returns when the bytes are on the medium (msync()).

@@ -57,7 +57,14 @@ DEVFACTS_API void socket_input_shutdown(int fd, const char *path);
  * @param fd the receiver's descriptor; if negative or from FD_SETSIZE on, nothing happens.
  * @param read_set what select() returned; if the descriptor is not in it, nothing happens.
  * @param callback called on this thread.
- * @return always 0. */
+ * @return always 0.
+ * @par Example
+ * @code
+ * fd_set readable;
+ * FD_ZERO(&readable);
+ * FD_SET(fd, &readable);
+ * if (select(fd + 1, &readable, NULL, NULL, NULL) > 0) socket_read(fd, &readable, print_message);
+ * @endcode */
 DEVFACTS_API int socket_read(int fd, const fd_set *read_set, socket_callback callback);
 
 /** Receives one datagram without waiting and without checking it; EINTR is retried.

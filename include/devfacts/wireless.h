@@ -74,15 +74,20 @@ typedef struct iw_status {
   iw_radio_limits_t limits; /**< limits of a radio, maybe of another one: see above */
 } iw_status;
 
-/** Fills a whole record: clears it, makes every query below, and closes the control socket.
+/** Fills a whole record: clears it, sets each field by its query, and closes the control socket.
  * A query that fails leaves its fields zero, as if zero were the answer: to know, make the single query. The values are
  * read one after the other, so counters are not of one moment.
- * Warning: the first call in the process, even with a wrong name, decides the limits for all later ones.
+ * Warning: the first call in the process, even with a wrong name, decides the limits for all later ones; see
+ * iw_radio_limits(). The call takes 13 KiB of stack.
  * @param[out] status the record.
  * @param name the interface. The record has the pointer, so the text must stay.
  * @return always 0; ends the process as ioctl_socket() does.
- * @par Cost
- * 13 KiB of stack. */
+ * @par Example
+ * @code
+ * iw_status status;
+ * iw_info(&status, "ra0");
+ * printf("%s, channel %d, %d dBm\n", status.essid, (int)status.channel, (int8_t)status.signal_level);
+ * @endcode */
 DEVFACTS_API int iw_info(iw_status *status, const char *name);
 
 /** @} */
@@ -122,9 +127,7 @@ DEVFACTS_API int iw_current_bit_rate(iw_status *status, const char *name);
 /** Sets signal_level and noise_level (SIOCGIWSTATS). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_rssi(iw_status *status, const char *name);
 
-/** Sets encoding_flags (SIOCGIWENCODE); the key is dropped.
- * @param status,name the record, the interface.
- * @return 0 or -1. */
+/** Sets encoding_flags (SIOCGIWENCODE). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_encoding_flags(iw_status *status, const char *name);
 
 /** Sets txpower (SIOCGIWTXPOW): 0 if it is disabled. @param status,name the record, the interface. @return 0 or -1. */
@@ -151,19 +154,16 @@ DEVFACTS_API double iw_freq2double(const void *freq);
 
 /** Sets frequency (SIOCGIWFREQ) and channel (SIOCGIWRANGE).
  * channel is that of the first row of the range record with exactly this frequency. Without such a row it stays as it
- * was, and the result is 0: clear it first.
+ * was, and the result is 0: clear it first. The call takes 13 KiB of stack.
  * @param status,name the record, the interface.
- * @return 0 or -1. If only the second request fails, frequency is set.
- * @par Cost
- * 13 KiB of stack. */
+ * @return 0 or -1. If only the second request fails, frequency is set. */
 DEVFACTS_API int iw_freq_channel(iw_status *status, const char *name);
 
 /** Sets the start of bit_rates to the rates of the range record, at most 32.
  * Their number is its num_bitrates (get_range_info()). Rates after them stay as they were: clear bit_rates first.
+ * The call takes 13 KiB of stack.
  * @param status,name the record, the interface.
- * @return 0 or -1.
- * @par Cost
- * 13 KiB of stack. */
+ * @return 0 or -1. */
 DEVFACTS_API int iw_bitrates(iw_status *status, const char *name);
 
 /** Sends the driver's private request for its channel list (0x8BED).
@@ -177,31 +177,23 @@ DEVFACTS_API int iw_get_channels(const char *name, uint32_t first_word, void *bu
 
 /** @defgroup iw_counters Counters and states
  * @ingroup wireless
- * Numbers from the driver's files under /proc, which each call reads anew.
+ * Numbers from the driver's files txstats and rxstats in /proc/net/NAME, which each call reads anew.
  *
  * The first line that begins with the key counts. The result is -1, and the field stays as it was, if the name is null
  * or too long for a path of 4095 characters, if there is no such file or line, or if its value is not a 32-bit number.
  * No control socket is needed; with a record for each thread several may run at once. A call takes 5 KiB of stack.
  * @{ */
 
-/** Sets tx_retry: "Retried" in /proc/net/NAME/txstats.
- * @param status,name the record, the interface.
- * @return 0 or -1. */
+/** Sets tx_retry ("Retried" in txstats). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_tx_retry(iw_status *status, const char *name);
 
-/** Sets tx_total: "Packets" in /proc/net/NAME/txstats.
- * @param status,name the record, the interface.
- * @return 0 or -1. */
+/** Sets tx_total ("Packets" in txstats). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_tx_total(iw_status *status, const char *name);
 
-/** Sets rx_errors: "Dropped" in /proc/net/NAME/rxstats.
- * @param status,name the record, the interface.
- * @return 0 or -1. */
+/** Sets rx_errors ("Dropped" in rxstats). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_rx_errors(iw_status *status, const char *name);
 
-/** Sets rx_total: "Packets" in /proc/net/NAME/rxstats.
- * @param status,name the record, the interface.
- * @return 0 or -1. */
+/** Sets rx_total ("Packets" in rxstats). @param status,name the record, the interface. @return 0 or -1. */
 DEVFACTS_API int iw_rx_total(iw_status *status, const char *name);
 
 /** Sets the five state times from /proc/net/madwifi/NAME/state_cnt: "INIT: 12 msecs", then SCAN, AUTH, ASSOC and RUN.
@@ -288,7 +280,14 @@ typedef struct iw_peers_list {
  * @param list rows of an earlier call stay before the new ones, and the last of them gets strengths that the file has
  * before its first peer: call iw_peers_free() first. Without memory for a row the table becomes empty.
  * @param name the interface; null is ra0.
- * @return always 0. */
+ * @return always 0.
+ * @par Example
+ * @code
+ * iw_peers_list peers = {0, NULL};
+ * iw_peers(&peers, "ra0");
+ * for (uint32_t i = 0; i < peers.count; i++) printf("%d\n", (int)peers.rows[i].rssi0);
+ * iw_peers_free(&peers);
+ * @endcode */
 DEVFACTS_API int iw_peers(iw_peers_list *list, const char *name);
 
 /** Releases the rows and makes the table empty. @param list the table; null does nothing. */

@@ -13,13 +13,15 @@ namespace {
 
 exit_status help_command(const request &asked);
 
-constexpr uint8_t watched_options = json_option;
+constexpr uint8_t watched_options = json_option | watch_option;
 
 constexpr command commands[] = {
+    {"status", "", "the whole device on one screen, for people", "devfacts status --watch", 0, 0, watch_option,
+     status_command},
     {"net", "[NAME]", "the interfaces with their addresses and counters",
      "devfacts net eth0 --json | jq '.interfaces[].rx_bytes'", 0, 1, watched_options, net_command},
-    {"wireless", "NAME", "what a wireless interface is doing", "devfacts wireless ra0 --json | jq .channel", 1, 1,
-     watched_options, wireless_command},
+    {"wireless", "NAME", "what a wireless interface is doing", "devfacts wireless ra0 --watch 1", 1, 1, watched_options,
+     wireless_command},
     {"peers", "[NAME]", "the stations connected to it; ra0 without a name", "devfacts peers --json | jq '.peers[].mac'",
      0, 1, watched_options, peers_command},
     {"radio", "NAME", "its counters and limits alone, from files: no driver is asked", "devfacts radio ra0", 1, 1,
@@ -27,7 +29,7 @@ constexpr command commands[] = {
     {"ethernet", "NAME", "what a wired link is doing", "devfacts ethernet eth0 --json | jq .speed", 1, 1, json_option,
      ethernet_command},
     {"product", "[KEY]", "the product's identity and capabilities, or one value", "devfacts product radio.0.master", 0,
-     1, json_option, product_command},
+     1, json_option | check_option, product_command},
     {"config", "KEY", "one value of the system configuration", "devfacts config system.hostname", 1, 1, json_option,
      config_command},
     {"records", "[ACTION...]", "the factory records, or one action on them", "devfacts records set 15 0168 --write", 0,
@@ -53,6 +55,7 @@ constexpr struct {
     {json_option, "--json", "--json", "one JSON object on one line"},
     {watch_option, "--watch", "--watch [SECONDS]", "again and again, with rates; 2 seconds if not said"},
     {write_option, "--write", "--write", "for each action that changes the store"},
+    {check_option, "--check", "--check [FILE]", "what is wrong with a description, or with /etc/product"},
 };
 
 constexpr unsigned default_seconds = 2;

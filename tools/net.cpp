@@ -69,7 +69,7 @@ void print_document(form wanted, const char *name) {
 
 exit_status net_command(const request &asked) {
   const char *name = asked.arguments[0];
-  if (asked.is_watched()) return show_interfaces(name);
+  if (asked.is_watched()) return watch_interfaces(name);
   ifi_get_all_ip();
   const bool is_there = name == nullptr || ifi_find_by_name(name) != nullptr;
   if (is_there) print_document(asked.wanted_form(), name);

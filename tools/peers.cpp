@@ -65,7 +65,7 @@ exit_status peers_command(const request &asked) {
     print_error("no peers of \"%s\": /proc/net/%s/peers: %s", name, name, std::strerror(errno));
     return failed;
   }
-  if (asked.is_watched()) return show_peers(name, peers);
+  if (asked.is_watched()) return watch_peers(peers);
   document out(asked.wanted_form(), "peers");
   if (asked.count == 0) out.flag("link_established", iw_link_established() != 0);
   out.begin_list("peers");

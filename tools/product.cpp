@@ -140,7 +140,7 @@ exit_status refuse_file(const char *path) {
   if (access(path, R_OK) != 0) {
     print_error("cannot read %s: %s", path, std::strerror(errno));
   } else {
-    print_error("cannot load %s: \"devfacts product --check %s\" finds a malformed line", path, path);
+    print_error("cannot load %s: line %u is not KEY=VALUE", path, malformed_line(path));
   }
   return failed;
 }

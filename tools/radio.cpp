@@ -66,7 +66,7 @@ void ask_radio(radio_facts &facts, const char *name) {
 
 bool read_radio_files(radio_facts &facts, const char *name) {
   ask(facts, name, first_file);
-  return facts.answers != 0 || facts.status.state_init != radio_facts::no_time;
+  return facts.has_answer();
 }
 
 radio_list collect_radios() {

@@ -32,6 +32,7 @@ struct radio_facts {
   iw_status status;  // without the limits; a frequency that is not known is no number
   uint32_t answers;  // a bit for each fact
 
+  bool has_answer() const { return answers != 0 || status.state_init != no_time; }
   bool has(fact which) const { return (answers >> static_cast<unsigned>(which) & 1) != 0; }
 };
 

@@ -1,4 +1,4 @@
-// What people look at: the device, or a part of it, as plain text of 80 columns.
+// What people look at: the device, or a part of it, as plain text.
 #pragma once
 
 #include "command.h"
@@ -6,9 +6,9 @@
 
 namespace devfacts::tool {
 
-// Each prints a part anew; a later call in the process has the rates since the one before.
-exit_status show_interfaces(const char *name);
-exit_status show_radio(const char *name);
-exit_status show_peers(const char *name, const peer_table &peers);
+// Each prints a part again, with the rates since the call before.
+exit_status watch_interfaces(const char *name);
+exit_status watch_radio(const char *name);
+exit_status watch_peers(const peer_table &peers);
 
 }  // namespace devfacts::tool

@@ -99,7 +99,7 @@ bool is_described(const char *name) {
 exit_status wireless_command(const request &asked) {
   const char *name = asked.arguments[0];
   if (!is_interface_name(name) || iw_capable(name) == 0) return refuse_interface(name, "is not a wireless interface");
-  if (asked.is_watched()) return show_radio(name);
+  if (asked.is_watched()) return watch_radio(name);
   radio_facts facts;
   ask_radio(facts, name);
   document out(asked.wanted_form(), "wireless");

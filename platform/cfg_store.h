@@ -5,8 +5,7 @@
  * one store from one thread at a time. No function prints.
  *
  * cfg_key_exists() and cfg_get() take a key as a printf-style format with its values. A key without values must not
- * contain "%"; it may come from anywhere, which is why they have no format attribute. In the stand-in a formatted
- * key of more than 1023 characters is not found.
+ * contain "%"; it may come from anywhere, which is why they have no format attribute.
  * @{ */
 #ifndef DEVFACTS_PLATFORM_CFG_STORE_H
 #define DEVFACTS_PLATFORM_CFG_STORE_H
@@ -40,8 +39,8 @@ DEVFACTS_API void cfg_destroy(cfg_handle store);
 /** Loads a file into a store. Its keys replace those that the store has; texts returned before stay valid.
  * The stand-in reads lines "key=value" that end with LF, CR LF or the end of the file. Blanks before a key are
  * skipped, a key contains none, and the value is all after the first "=", blanks included. Empty lines and lines that
- * begin with "#" are skipped, and the last line of a key counts. Any other line, a NUL byte and anything but a regular
- * file are failures.
+ * begin with "#" are skipped, and the last line of a key counts. Any other line, a key of more than 511 characters, a
+ * NUL byte, a file of more than 1 MiB and anything but a regular file are failures.
  * @param store no iterator of it is in use.
  * @param path the file.
  * @return negative on failure (missing, unreadable or malformed file, no memory): the store is unchanged. Anything else

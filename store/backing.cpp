@@ -24,10 +24,18 @@ bool is_folder(const char *path) {
   return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+// Moves a descriptor that took the place of a closed standard stream, so that no message is written into the records.
+int above_standard_streams(int fd) {
+  if (fd < 0 || fd > STDERR_FILENO) return fd;
+  const int moved = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  close(fd);
+  return moved;
+}
+
 // A file that already has its size and mode is not changed, so that reading records writes nothing.
 unique_fd eeprom_fallback_open() {
   if (!is_folder(fallback_folder)) return {};
-  unique_fd file{open(fallback_file, O_RDWR | O_CREAT | O_SYNC | O_CLOEXEC, fallback_mode)};
+  unique_fd file{above_standard_streams(open(fallback_file, O_RDWR | O_CREAT | O_SYNC | O_CLOEXEC, fallback_mode))};
   if (!file) {
     std::perror("open() failed");
     return {};
@@ -41,6 +49,6 @@ unique_fd eeprom_fallback_open() {
 }  // namespace
 
 unique_fd devfacts::open_store() {
-  unique_fd device{mtd_block_find(partition)};
+  unique_fd device{above_standard_streams(mtd_block_find(partition))};
   return device ? std::move(device) : eeprom_fallback_open();
 }

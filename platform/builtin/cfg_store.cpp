@@ -22,7 +22,7 @@ namespace {
 // Keys without a conversion are looked up as they are, whatever their length.
 const char *find(const cfg_store *store, const char *format, va_list values) {
   if (std::strchr(format, '%') == nullptr) return store->keys.find(format);
-  char key[1024];
+  char key[512];
   const int length = std::vsnprintf(key, sizeof key, format, values);
   return length >= 0 && length < static_cast<int>(sizeof key) ? store->keys.find(key) : nullptr;
 }

@@ -17,11 +17,16 @@ using namespace devfacts;
 
 namespace {
 
+// Anyone who can write a file chooses its size and keys. These limits bound the memory and the time that one takes.
+constexpr off_t max_file_size = 1024 * 1024;
+constexpr ptrdiff_t max_key_length = 511;
+
 // Opened without waiting, so that a pipe is refused like anything else that is not a regular file.
 unique_fd open_file(const char *path, size_t &size) {
   unique_fd file{open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK)};
   struct stat status;
   if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+  if (status.st_size > max_file_size) return {};
   size = static_cast<size_t>(status.st_size);
   return file;
 }
@@ -97,6 +102,7 @@ malloc_ptr<key_table::file_text> key_table::read(const char *path) {
     if (got < 0) return nullptr;
     if (got == 0) break;
     text->size += static_cast<size_t>(got);
+    if (text->size > max_file_size) return nullptr;
     if (text->size == capacity && !grow(text, capacity *= 2)) return nullptr;
   }
   text->bytes()[text->size] = '\0';
@@ -111,7 +117,7 @@ bool key_table::take_line(char *line, char *end, array<entry> &entries) {
   if (*line == '\0' || *line == '#') return true;
   char *key_end = line;
   while (*key_end != '\0' && *key_end != '=' && !is_space(*key_end)) ++key_end;
-  if (key_end == line || *key_end != '=') return false;
+  if (key_end == line || *key_end != '=' || key_end - line > max_key_length) return false;
   *key_end = '\0';
   entries.append({line, key_end + 1, entries.count});
   return true;

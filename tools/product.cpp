@@ -3,8 +3,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <span>
+#include <type_traits>
 
 #include "command.h"
 #include "description.h"
@@ -19,91 +22,139 @@ constexpr char configuration_file[] = "/tmp/system.cfg";
 // The bytes of a line that count; a longer version is cut.
 constexpr int line_size = 256;
 
-void print(document &out, const char *name, const caps_string &slot) { out.text(name, slot.value); }
+enum class kind : uint8_t { string, u32, boolean, bound, list };
 
-// The store gives negative numbers as their two's complement.
-void print(document &out, const char *name, const caps_u32 &slot) {
-  out.number(name, static_cast<int32_t>(slot.value), slot.present != 0);
+template <class Slot>
+struct kind_of;
+template <>
+struct kind_of<caps_string> : std::integral_constant<kind, kind::string> {};
+template <>
+struct kind_of<caps_u32> : std::integral_constant<kind, kind::u32> {};
+template <>
+struct kind_of<caps_bool> : std::integral_constant<kind, kind::boolean> {};
+template <>
+struct kind_of<int32_t> : std::integral_constant<kind, kind::bound> {};
+
+struct list;
+
+// A field of a record; one that is a list has its rows described.
+struct field {
+  char name[27];  // in place: no relocation
+  kind type;
+  uint16_t offset;
+  const list *rows = nullptr;
+};
+
+struct list {
+  const char *element;
+  uint16_t rows_at;
+  uint16_t count_at;
+  uint16_t row_size;
+  std::span<const field> fields;
+};
+
+#define FIELD(record, member) \
+  { #member, kind_of < decltype(record::member)> ::value, offsetof(record, member) }
+#define ROWS(record, rows, count, row) offsetof(record, rows), offsetof(record, count), sizeof(row)
+
+constexpr field range_fields[] = {
+    FIELD(caps_freq_range, range),        FIELD(caps_freq_range, low),          FIELD(caps_freq_range, high),
+    FIELD(caps_freq_range, max_eirp),     FIELD(caps_freq_range, max_txpower),  FIELD(caps_freq_range, max_width),
+    FIELD(caps_freq_range, dfs_required), FIELD(caps_freq_range, range_limits),
+};
+constexpr list ranges = {"frequency", ROWS(caps_radio, ranges, range_count, caps_freq_range), range_fields};
+
+constexpr field radio_fields[] = {
+    FIELD(caps_radio, master),
+    FIELD(caps_radio, ieee_band),
+    FIELD(caps_radio, allowed_modulations),
+    FIELD(caps_radio, txpower_offset),
+    FIELD(caps_radio, min_txpower),
+    FIELD(caps_radio, antenna_gain),
+    FIELD(caps_radio, ignore_crr),
+    FIELD(caps_radio, cpe_fixed_channels),
+    FIELD(caps_radio, frequency_offset),
+    {"frequencies", kind::list, 0, &ranges},
+    FIELD(caps_radio, band_edge_low),
+    FIELD(caps_radio, band_edge_middle),
+    FIELD(caps_radio, band_edge_high),
+};
+constexpr list radios = {"radio", ROWS(product_caps_t, radios, radio_count, caps_radio), radio_fields};
+
+constexpr field limit_fields[] = {
+    FIELD(caps_limit_freq, frequency), FIELD(caps_limit_freq, dfs_required),   FIELD(caps_limit_freq, max_txpower),
+    FIELD(caps_limit_freq, max_eirp),  FIELD(caps_limit_freq, allowed_widths),
+};
+constexpr list limits = {"limit", ROWS(caps_limit_table, freqs, freq_count, caps_limit_freq), limit_fields};
+
+constexpr field table_fields[] = {FIELD(caps_limit_table, table_name), {"limits", kind::list, 0, &limits}};
+constexpr list tables = {"limit_table", ROWS(product_caps_t, limit_tables, limit_table_count, caps_limit_table),
+                         table_fields};
+
+constexpr field led_fields[] = {FIELD(caps_led, devname), FIELD(caps_led, name)};
+constexpr list led_lan = {"led_lan", ROWS(product_caps_t, led_lan, led_lan_count, caps_led), led_fields};
+constexpr list led_rssi = {"led_rssi", ROWS(product_caps_t, led_rssi, led_rssi_count, caps_led), led_fields};
+
+constexpr field capability_fields[] = {
+    FIELD(product_caps_t, id),
+    FIELD(product_caps_t, name),
+    FIELD(product_caps_t, hardware),
+    FIELD(product_caps_t, enterprise_name),
+    FIELD(product_caps_t, countrycode),
+    FIELD(product_caps_t, enterprise_oid),
+    {"radios", kind::list, 0, &radios},
+    {"limit_tables", kind::list, 0, &tables},
+    FIELD(product_caps_t, led_power_name),
+    FIELD(product_caps_t, led_blinkled_name),
+    {"led_lan", kind::list, 0, &led_lan},
+    {"led_rssi", kind::list, 0, &led_rssi},
+    FIELD(product_caps_t, protocol_name),
+    FIELD(product_caps_t, pppoe_filter_control),
+    FIELD(product_caps_t, arpnat_behind_dhcp_snooper),
+};
+
+#undef FIELD
+#undef ROWS
+
+template <class T>
+const T &at(const void *record, size_t offset) {
+  return *reinterpret_cast<const T *>(static_cast<const char *>(record) + offset);
 }
 
-void print(document &out, const char *name, const caps_bool &slot) {
-  out.boolean(name, slot.value != 0, slot.present != 0);
+void print_list(document &out, const char *name, const list &rows, const void *owner);
+
+// NOLINTBEGIN(misc-no-recursion): a list in a list is as deep as it goes
+void print_field(document &out, const field &each, const void *record) {
+  switch (each.type) {
+    case kind::string: return out.text(each.name, at<caps_string>(record, each.offset).value);
+    case kind::u32: {  // the store returns negative numbers as their two's complement
+      const auto &slot = at<caps_u32>(record, each.offset);
+      return out.number(each.name, static_cast<int32_t>(slot.value), slot.present != 0);
+    }
+    case kind::boolean: {
+      const auto &slot = at<caps_bool>(record, each.offset);
+      return out.boolean(each.name, slot.value != 0, slot.present != 0);
+    }
+    case kind::bound: {
+      const int32_t bound = at<int32_t>(record, each.offset);
+      return out.number(each.name, bound, bound != 0);
+    }
+    case kind::list: return print_list(out, each.name, *each.rows, record);
+  }
 }
 
-template <class Row>
-void print_rows(document &out, const char *list, const char *element, void (*print_row)(document &, const Row &),
-                const Row *rows, int32_t count) {
-  out.begin_list(list);
-  for (const Row *row = rows; row != rows + count; ++row) {
-    out.begin_group(element);
-    print_row(out, *row);
-    out.end_group(element);
+void print_list(document &out, const char *name, const list &rows, const void *owner) {
+  const auto *row = at<const char *>(owner, rows.rows_at);
+  out.begin_list(name);
+  for (int32_t i = at<int32_t>(owner, rows.count_at); i != 0; --i, row += rows.row_size) {
+    out.begin_group(rows.element);
+    for (const field &each : rows.fields) print_field(out, each, row);
+    out.end_group(rows.element);
   }
   out.end_list();
 }
 
-void print_range(document &out, const caps_freq_range &range) {
-  print(out, "range", range.range);
-  out.number("low", range.low);
-  out.number("high", range.high);
-  print(out, "max_eirp", range.max_eirp);
-  print(out, "max_txpower", range.max_txpower);
-  print(out, "max_width", range.max_width);
-  print(out, "dfs_required", range.dfs_required);
-  print(out, "range_limits", range.range_limits);
-}
-
-void print_radio(document &out, const caps_radio &radio) {
-  print(out, "master", radio.master);
-  print(out, "ieee_band", radio.ieee_band);
-  print(out, "allowed_modulations", radio.allowed_modulations);
-  print(out, "txpower_offset", radio.txpower_offset);
-  print(out, "min_txpower", radio.min_txpower);
-  print(out, "antenna_gain", radio.antenna_gain);
-  print(out, "ignore_crr", radio.ignore_crr);
-  print(out, "cpe_fixed_channels", radio.cpe_fixed_channels);
-  print(out, "frequency_offset", radio.frequency_offset);
-  print_rows(out, "frequencies", "frequency", print_range, radio.ranges, radio.range_count);
-  print(out, "band_edge_low", radio.band_edge_low);
-  print(out, "band_edge_middle", radio.band_edge_middle);
-  print(out, "band_edge_high", radio.band_edge_high);
-}
-
-void print_limit(document &out, const caps_limit_freq &limit) {
-  print(out, "frequency", limit.frequency);
-  print(out, "dfs_required", limit.dfs_required);
-  print(out, "max_txpower", limit.max_txpower);
-  print(out, "max_eirp", limit.max_eirp);
-  print(out, "allowed_widths", limit.allowed_widths);
-}
-
-void print_limit_table(document &out, const caps_limit_table &table) {
-  print(out, "table_name", table.table_name);
-  print_rows(out, "limits", "limit", print_limit, table.freqs, table.freq_count);
-}
-
-void print_led(document &out, const caps_led &led) {
-  print(out, "devname", led.devname);
-  print(out, "name", led.name);
-}
-
-void print_capabilities(document &out, const product_caps_t &caps) {
-  print(out, "id", caps.id);
-  print(out, "name", caps.name);
-  print(out, "hardware", caps.hardware);
-  print(out, "enterprise_name", caps.enterprise_name);
-  print(out, "countrycode", caps.countrycode);
-  print(out, "enterprise_oid", caps.enterprise_oid);
-  print_rows(out, "radios", "radio", print_radio, caps.radios, caps.radio_count);
-  print_rows(out, "limit_tables", "limit_table", print_limit_table, caps.limit_tables, caps.limit_table_count);
-  print(out, "led_power_name", caps.led_power_name);
-  print(out, "led_blinkled_name", caps.led_blinkled_name);
-  print_rows(out, "led_lan", "led_lan", print_led, caps.led_lan, caps.led_lan_count);
-  print_rows(out, "led_rssi", "led_rssi", print_led, caps.led_rssi, caps.led_rssi_count);
-  print(out, "protocol_name", caps.protocol_name);
-  print(out, "pppoe_filter_control", caps.pppoe_filter_control);
-  print(out, "arpnat_behind_dhcp_snooper", caps.arpnat_behind_dhcp_snooper);
-}
+// NOLINTEND(misc-no-recursion)
 
 int32_t detected_cpu() {
   for (int32_t id = CPU_ADM5120; id <= CPU_RT3352; ++id) {
@@ -131,7 +182,7 @@ void print_document(form wanted, const product_caps_t *caps) {
     return;
   }
   out.begin_group("capabilities");
-  print_capabilities(out, *caps);
+  for (const field &each : capability_fields) print_field(out, each, caps);
   out.end_group("capabilities");
 }
 

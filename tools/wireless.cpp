@@ -54,32 +54,47 @@ void print_driver_values(document &out, const radio_facts &facts) {
   out.number("txpower", status.txpower, facts.has(fact::txpower));
 }
 
-void print_time(document &out, const char *name, int64_t time) { out.number(name, time, time != radio_facts::no_time); }
+constexpr struct {
+  char name[10];
+  fact which;
+  uint32_t iw_status::*counter;
+} counters[] = {{"tx_total", fact::tx_total, &iw_status::tx_total},
+                {"tx_retry", fact::tx_retry, &iw_status::tx_retry},
+                {"rx_total", fact::rx_total, &iw_status::rx_total},
+                {"rx_errors", fact::rx_errors, &iw_status::rx_errors}};
+
+constexpr struct {
+  char name[12];
+  int64_t iw_status::*time;
+} states[] = {{"state_init", &iw_status::state_init},
+              {"state_scan", &iw_status::state_scan},
+              {"state_auth", &iw_status::state_auth},
+              {"state_assoc", &iw_status::state_assoc},
+              {"state_run", &iw_status::state_run}};
 
 void print_counters(document &out, const radio_facts &facts) {
-  const iw_status &status = facts.status;
-  out.number("tx_total", status.tx_total, facts.has(fact::tx_total));
-  out.number("tx_retry", status.tx_retry, facts.has(fact::tx_retry));
-  out.number("rx_total", status.rx_total, facts.has(fact::rx_total));
-  out.number("rx_errors", status.rx_errors, facts.has(fact::rx_errors));
-  print_time(out, "state_init", status.state_init);
-  print_time(out, "state_scan", status.state_scan);
-  print_time(out, "state_auth", status.state_auth);
-  print_time(out, "state_assoc", status.state_assoc);
-  print_time(out, "state_run", status.state_run);
+  for (const auto &each : counters) out.number(each.name, facts.status.*each.counter, facts.has(each.which));
+  for (const auto &each : states) {
+    const int64_t time = facts.status.*each.time;
+    out.number(each.name, time, time != radio_facts::no_time);
+  }
 }
 
-void print_limit(document &out, const char *name, const iw_limit_value &limit) {
-  out.number(name, limit.value, limit.present != 0);
-}
+constexpr struct {
+  char name[17];
+  iw_limit_value iw_radio_limits_t::*limit;
+} limit_values[] = {{"antenna_gain", &iw_radio_limits_t::antenna_gain},
+                    {"txpower_offset", &iw_radio_limits_t::txpower_offset},
+                    {"min_txpower", &iw_radio_limits_t::min_txpower},
+                    {"frequency_offset", &iw_radio_limits_t::frequency_offset}};
 
 void print_limits(document &out, const char *name) {
   iw_radio_limits_t limits;
   iw_radio_limits(&limits, name);
-  print_limit(out, "antenna_gain", limits.antenna_gain);
-  print_limit(out, "txpower_offset", limits.txpower_offset);
-  print_limit(out, "min_txpower", limits.min_txpower);
-  print_limit(out, "frequency_offset", limits.frequency_offset);
+  for (const auto &each : limit_values) {
+    const iw_limit_value &limit = limits.*each.limit;
+    out.number(each.name, limit.value, limit.present != 0);
+  }
   out.text("allowed_modulations", limits.allowed_modulations);
   out.text("ieee_band", limits.ieee_band);
   out.text("countrycode", iw_countrycode_limits());

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/line_reader.h"
 #include "core/number.h"
 #include "core/owner.h"
 #include "core/text.h"
@@ -15,36 +16,35 @@ namespace {
 
 constexpr int line_size = 1024;
 
-// The first "=" or ":" of the line, else its first blank; null without any of them.
-char *find_separator(char *line) {
-  char *blank = nullptr;
-  for (; *line != '\0'; ++line) {
-    if (*line == '=' || *line == ':') return line;
-    if (*line == ' ' && blank == nullptr) blank = line;
-  }
-  return blank;
+// The first "=" or ":" of the line; its end if it has neither.
+char *find_mark(char *line) {
+  while (*line != '\0' && *line != '=' && *line != ':') ++line;
+  return line;
 }
 
-// Ends the key at the start of the line and returns the value; null if the line cannot be split.
-char *split(char *line) {
-  char *separator = find_separator(line);
-  if (separator == nullptr) return nullptr;
-  *separator = '\0';
-  cut_space(line, separator);
-  return triml_string(separator + 1);
-}
+// What a walk wants of each line.
+struct walk {
+  const char *prefix;
+  iterate_callback callback;
+  void *context;
 
-void walk(FILE *stream, const char *prefix, iterate_callback callback, void *context) {
-  const size_t prefix_length = prefix != nullptr ? std::strlen(prefix) : 0;
-  char buffer[line_size];
-  // No other thread uses the stream, so no lock for each line is needed.
-  while (feof_unlocked(stream) == 0 && fgets_unlocked(buffer, line_size, stream) != nullptr) {
-    char *key = trimr_string(triml_string(buffer));
-    if (*key == '\0' || (prefix_length != 0 && std::strncmp(key, prefix, prefix_length) != 0)) continue;
-    char *value = split(key);
-    if (value == nullptr || callback(context, key, value) != 0) return;
+  bool wants(const char *line) const { return prefix == nullptr || starts_with(line, prefix); }
+
+  // Splits the line and hands it to the callback; false ends the walk.
+  bool take(char *line) const {
+    char *key = skip_space(line);
+    if (!wants(key)) return true;
+    char *separator = find_mark(key);
+    const bool has_mark = *separator != '\0';
+    cut_space(key, separator + std::strlen(separator));
+    if (*key == '\0' || !wants(key)) return true;
+    if (!has_mark) separator = std::strchr(key, ' ');
+    if (separator == nullptr) return false;
+    *separator = '\0';
+    cut_space(key, separator);
+    return callback(context, key, skip_space(separator + 1)) == 0;
   }
-}
+};
 
 // Stores the number of a selected line and ends the walk.
 template <class Number>
@@ -84,12 +84,20 @@ int collect(void *context, char * /*key*/, char *value) {
 void iterate_raw(FILE *stream, const char *prefix, iterate_callback callback, void *context) {
   if (callback == nullptr || stream == nullptr) return;
   std::rewind(stream);
-  walk(stream, prefix, callback, context);
+  const walk lines{prefix, callback, context};
+  char line[line_size];
+  // No other thread uses the stream, so no lock for each line is needed.
+  while (feof_unlocked(stream) == 0 && fgets_unlocked(line, line_size, stream) != nullptr && lines.take(line)) {
+  }
 }
 
 void iterate(const char *path, const char *prefix, iterate_callback callback, void *context) {
-  const unique_file file{std::fopen(path, "re")};
-  if (file && callback != nullptr) walk(file.get(), prefix, callback, context);
+  line_reader file(path, line_size - 1);
+  if (callback == nullptr) return;
+  const walk lines{prefix, callback, context};
+  while (char *line = file.next()) {
+    if (!lines.take(line)) return;
+  }
 }
 
 int __return_first_match_in_u32(void *context, char * /*key*/, char *value) {

@@ -12,6 +12,5 @@ char *trimr_string(char *str) {
 }
 
 char *triml_string(const char *str) {
-  while (is_space(*str)) ++str;
-  return const_cast<char *>(str);
+  return const_cast<char *>(skip_space(str));
 }

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/owner.h"
+#include "core/line_reader.h"
 #include "core/text.h"
 
 using namespace devfacts;
@@ -20,21 +20,16 @@ constexpr char translation_start[] = "msgstr \"";
 constinit char po_access_path[text_size] = "";
 constinit char gettext_result[text_size] = "";
 
-// No other thread uses these streams, so no lock for each line is needed.
-bool read_line(char (&line)[text_size], FILE *file) { return fgets_unlocked(line, text_size, file) != nullptr; }
-
-// Moves on to the line after the id's entry.
-bool find_entry(FILE *file, const char *id, char (&line)[text_size]) {
+// The line after the id's entry; null if there is none.
+const char *find_entry(line_reader &file, const char *id) {
   char wanted[text_size];
-  const auto length = static_cast<size_t>(std::snprintf(wanted, text_size, "%s%s\"", id_start, id));
-  while (read_line(line, file)) {
-    // The start excludes most lines; an id too long for its line is never found.
-    if (std::strncmp(line, wanted, length) != 0 || std::strstr(line, id) == nullptr) continue;
+  const bool is_cut = std::snprintf(wanted, text_size, "%s%s\"", id_start, id) >= static_cast<int>(text_size);
+  while (char *line = file.next()) {
+    if (!starts_with(line, wanted)) continue;
     line[std::strcspn(line, "\r")] = '\0';
-    line[std::strcspn(line, "\n")] = '\0';
-    if (std::strcmp(line, wanted) == 0) return read_line(line, file);
+    if (std::strcmp(line, wanted) == 0 && (!is_cut || std::strstr(line, id) != nullptr)) return file.next();
   }
-  return false;
+  return nullptr;
 }
 
 // Copies a line's translation to the result, if it is complete.
@@ -49,17 +44,17 @@ void take_translation(const char *line) {
 
 // The result has the id already, and keeps it without a translation.
 void translate_result() {
-  const unique_file file{std::fopen(po_access_path, "re")};
-  char line[text_size];
-  if (file && find_entry(file.get(), gettext_result, line)) take_translation(line);
+  line_reader file(po_access_path, text_size - 1);
+  const char *line = find_entry(file, gettext_result);
+  if (line != nullptr) take_translation(line);
 }
 
 }  // namespace
 
 int set_po_access_path(const char *catalogue, const char *base_dir) {
-  const unique_file file{std::fopen("/etc/lang", "re")};
-  char language[text_size];
-  if (!file || !read_line(language, file.get())) return -1;
+  line_reader file("/etc/lang", text_size - 1);
+  char *language = file.next();
+  if (language == nullptr) return -1;
   *std::find_if(language, language + std::strlen(language), is_space) = '\0';
   // A longer path is cut; what cannot be in it is not even read.
   constexpr char form[] = "%.4095s/%s/%.4095s.po";

@@ -11,6 +11,4 @@ char *trimr_string(char *str) {
   return str;
 }
 
-char *triml_string(const char *str) {
-  return const_cast<char *>(skip_space(str));
-}
+char *triml_string(const char *str) { return const_cast<char *>(skip_space(str)); }

@@ -20,14 +20,18 @@ constexpr char translation_start[] = "msgstr \"";
 constinit char po_access_path[text_size] = "";
 constinit char gettext_result[text_size] = "";
 
-// The line after the id's entry; null if there is none.
+constexpr size_t max_line = text_size - 1;
+constexpr size_t id_place = sizeof id_start - 1;
+
+// The line after the id's entry; null if there is none. Of a longer id, only what a line can hold is compared.
 const char *find_entry(line_reader &file, const char *id) {
-  char wanted[text_size];
-  const bool is_cut = std::snprintf(wanted, text_size, "%s%s\"", id_start, id) >= static_cast<int>(text_size);
-  while (char *line = file.next()) {
-    if (!starts_with(line, wanted)) continue;
-    line[std::strcspn(line, "\r")] = '\0';
-    if (std::strcmp(line, wanted) == 0 && (!is_cut || std::strstr(line, id) != nullptr)) return file.next();
+  const size_t compared = std::min(std::strlen(id), max_line - id_place);
+  if (std::strchr(id, '\r') != nullptr) return nullptr;  // where the line is cut
+  while (const char *line = file.next()) {
+    if (!starts_with(line, id_start) || std::strncmp(line + id_place, id, compared) != 0) continue;
+    const char *end = line + id_place + compared;
+    const bool is_whole = end[0] == '"' && (end[1] == '\0' || end[1] == '\r');
+    if (is_whole || (end == line + max_line && std::strstr(line, id) != nullptr)) return file.next();
   }
   return nullptr;
 }
@@ -44,7 +48,7 @@ void take_translation(const char *line) {
 
 // The result has the id already, and keeps it without a translation.
 void translate_result() {
-  line_reader file(po_access_path, text_size - 1);
+  line_reader file(po_access_path, max_line);
   const char *line = find_entry(file, gettext_result);
   if (line != nullptr) take_translation(line);
 }
@@ -52,10 +56,10 @@ void translate_result() {
 }  // namespace
 
 int set_po_access_path(const char *catalogue, const char *base_dir) {
-  line_reader file("/etc/lang", text_size - 1);
+  line_reader file("/etc/lang", max_line);
   char *language = file.next();
   if (language == nullptr) return -1;
-  *std::find_if(language, language + std::strlen(language), is_space) = '\0';
+  language[std::strcspn(language, white_space)] = '\0';
   // A longer path is cut; what cannot be in it is not even read.
   constexpr char form[] = "%.4095s/%s/%.4095s.po";
   return std::snprintf(po_access_path, text_size, form, base_dir, language, catalogue) > 0 ? 0 : -1;

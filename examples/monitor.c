@@ -56,7 +56,7 @@ static int take_message(struct nlmsghdr *message) {
   ifi_entry *before;
   if (message->nlmsg_type != RTM_NEWLINK && message->nlmsg_type != RTM_DELLINK) return 0;
   if (message->nlmsg_len < NLMSG_LENGTH(sizeof *info)) return 0;
-  if (info->ifi_family != AF_UNSPEC) return 0; /* a bridge tells about its port, not about the link */
+  if (info->ifi_family != AF_UNSPEC) return 0; /* a bridge speaks of its port, not of the link */
   before = ifi_find_by_index(info->ifi_index);
   if (message->nlmsg_type == RTM_NEWLINK) {
     link_is(message, before);

@@ -3,7 +3,7 @@
  * cc -std=c99 -Wall -Wextra -Wpedantic sender.c -o sender $(pkg-config --cflags --libs devfacts)
  *
  * Exit status 0: the message is in the receiver's queue. 1: it is not. 2: the arguments are wrong.
- * Nothing tells whether the receiver has read it: that takes an answer, over a socket of the sender's own.
+ * It may still be unread: to know that takes an answer, over a socket of the sender's own.
  */
 #include <devfacts/core.h>
 #include <devfacts/transport.h>

@@ -12,8 +12,8 @@ BUILD_LINE = "cc program.c $(pkg-config --cflags --libs devfacts)"
 # The order of a page; any other titled paragraph comes before the examples.
 ORDER = ["Description", "Fields", "Values", "Arguments", "Return value", "Failures", "State", "Cost"]
 PLURALS = {"Example": "Examples"}
-ESCAPES = str.maketrans({"\\": r"\e", "-": r"\-", "'": r"\(aq", "`": r"\(ga", "^": r"\(ha", "~": r"\(ti", '"': r"\(dq"})
-SIGNS = {"sp": " ", "ndash": "--", "mdash": "--", "lsquo": "'", "rsquo": "'", "ldquo": '"', "rdquo": '"', "nonbreakablespace": " ",
+ESCAPES = str.maketrans({"\\": r"\e", "-": r"\-", "'": r"\(aq", "`": r"\(ga", "^": r"\(ha", "~": r"\(ti", '"': r"\(dq", "\u00a0": r"\ "})
+SIGNS = {"sp": " ", "ndash": "--", "mdash": "--", "lsquo": "'", "rsquo": "'", "ldquo": '"', "rdquo": '"', "nonbreakablespace": "\u00a0",
          "linebreak": " "}
 BLOCKS = {"para", "itemizedlist", "orderedlist", "programlisting", "verbatim", "sect1"}
 TITLED = {"simplesect", "parameterlist"}
@@ -218,7 +218,7 @@ def parts(definition):
 
 def brief_of(definition):
     """What `whatis` says: the first sentence without its end, of a long one the part before a colon or semicolon."""
-    words = " ".join(plain(definition.find("briefdescription")).split())
+    words = re.sub(r"[ \n]+", " ", plain(definition.find("briefdescription"))).strip(" ")
     if not words:
         sys.exit(f"manual.py: no description of {definition.findtext('name') or definition.findtext('compoundname')}")
     words = re.sub(r"[.:]$", "", re.split(r"(?<=\w\w)[.] (?=[A-Z])", words)[0])

@@ -6,8 +6,9 @@ pages=$1/docs/pages failed=0
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { echo "$*"; failed=1; }
-# A page as it is read, its white space as single blanks.
+# Pages as they are read, their white space as single blanks.
 rendered() { groff -man -ww -Tascii -P-cbou "$@" 2>>"$work/warnings" | tr -s '[:space:]' ' '; }
+says() { rendered "$1" | grep -qF -e "$2" || fail "${1##*/} does not say: $2"; }
 
 for name in $(sed -n 's/^    \([A-Za-z_].*\);$/\1/p' "$1/exports.map"); do
   [ -e "$pages/$name.3devfacts" ] || fail "no page of $name"
@@ -17,25 +18,54 @@ done
 mandoc -Tlint -Wwarning "$pages"/* | grep -v 'missing date' && fail "mandoc is not content"
 lexgrog "$pages"/* >"$work/whatis" || { fail "pages without a line for whatis:"; grep -v ': "' "$work/whatis"; }
 rendered "$pages"/* >"$work/all"
-[ ! -s "$work/warnings" ] || { fail "groff warns:"; cat "$work/warnings"; }
 
-# What the headers have in backquotes: texts to the byte, code.
-grep -ho '`[^`]*`' "$2"/include/devfacts/*.h | tr -d '`' | tr -s ' ' | sort -u >"$work/texts"
+# The messages and formats of the headers, and what they have in backquotes.
+sed 's|^ \*/\{0,1\} \{0,1\}||' "$2"/{include/devfacts,platform}/*.h | tr -s '[:space:]' ' ' >"$work/headers"
+{ grep -oE '"[^"]*"' "$work/headers" | grep '[%\\]'; grep -oE '`[^`]*`' "$work/headers" | tr -d '`'; } | sort -u >"$work/texts"
+[ "$(grep -c '%s' "$work/texts")" -gt 9 ] || fail "the headers' messages are not found"
 while IFS= read -r text; do grep -qF -e "$text" "$work/all" || fail "on no page: $text"; done <"$work/texts"
 
-while IFS='|' read -r page text; do
-  rendered "$pages/$page.3devfacts" | grep -qF -e "$text" || fail "$page does not say: $text"
-done <<'TEXTS'
-iterate|#include <devfacts/core.h>
-iterate|cc program.c $(pkg-config --cflags --libs devfacts)
-iterate|void iterate(const char *path, const char *prefix, iterate_callback callback, void *context);
-iw_security_mode2str|RETURN VALUE
+# What troff and Doxygen take for theirs.
+cat >"$work/traps.h" <<'HEADER'
+/** @mainpage Traps */
+/** @defgroup traps Traps
+ * Holds for all traps.
+ *
+ * 'Twas in a section.
+ * @{ */
+/** Begins a line.
+ *
+ * 'apostrophe' begins this paragraph.
+ *
+ * .dot begins this one, each %s is there, and "%s\n", and `a  b it's. '%s' -- \n ::x #if @p <b> &amp; \fB`.
+ * @code
+ * .hidden % 'x';
+ *
+ *   printf("%s\n");
+ * @endcode
+ * @param value "text\n"
+ * @return 'quoted' */
+int trap(int value);
+/** @} */
+HEADER
+sed -E "s|^(OUTPUT_DIRECTORY *=).*|\1 \"$work\"|; s|^(INPUT *=).*|\1 \"$work/traps.h\"|; s|^(GENERATE_HTML *=).*|\1 NO|" "$1/docs/Doxyfile" | doxygen -
+python3 "$2/cmake/manual.py" "$work/xml" "$work/traps" 0
+says "$work/traps/devfacts_traps.3devfacts" "Holds for all traps. 'Twas in a section. trap(3devfacts) begins a line"
+[ "$(groff -man -Tascii -P-cbou "$work/traps/trap.3devfacts" | grep -cE '^ +printf|a  b')" -eq 2 ] || fail "blanks are lost"
+while IFS= read -r text; do says "$work/traps/trap.3devfacts" "$text"; done <<'TEXTS'
+int trap(int value); cc program.c $(pkg-config --cflags --libs devfacts) DESCRIPTION Begins a line. 'apostrophe' begins this paragraph. .dot begins this one, each %s is there, and "%s\n", and
+and a b it's. '%s' -- \n ::x #if @p <b> &amp; \fB. .hidden % 'x'; printf("%s\n");
+ARGUMENTS value "text\n" RETURN VALUE 'quoted' SEE
+TEXTS
+
+while IFS='|' read -r page text; do says "$pages/$page.3devfacts" "$text"; done <<'TEXTS'
+iw_security_mode2str|RETURN VALUE "off", "restricted" or "open"
 cpu_detect|CPU_NONE(3devfacts)
-CPU_NONE|"adm5120"
-CPU_NONE|"rt3352"
+CPU_NONE|CPU_ADM5120, CPU_AR2316, CPU_AR2317, CPU_AR5312, CPU_RT2880, CPU_SL3512, CPU_X86, CPU_XSCALE, CPU_RT3052, CPU_RT3050, CPU_RT3352 -
+CPU_NONE|CPU_RT3352 = 11 "rt3352"
 ifi_entry|list_link addrs;
 eeprom_write|/var/cfg/.eeprom
-devfacts|printf("%d: %s\n",
 TEXTS
+[ ! -s "$work/warnings" ] || { fail "groff warns:"; cat "$work/warnings"; }
 grep -q 'href="group__net.html"' "$1/docs/html/index.html" || fail "index.html does not lead to the network interfaces"
 exit $failed

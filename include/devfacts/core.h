@@ -87,7 +87,7 @@ DEVFACTS_API int parse_macaddr(uint8_t *addr, const char *text);
 
 /** @defgroup core_xml XML items
  * @ingroup core
- * Lines "  <name>value</name>\n" on standard output, through stdio.
+ * Lines `"  <name>value</name>\n"` on standard output, through stdio.
  *
  * Names are not escaped. Write errors are not reported; ferror(stdout) shows them. A write to a pipe without a reader
  * raises SIGPIPE, which by default ends the process.

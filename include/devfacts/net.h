@@ -185,12 +185,12 @@ DEVFACTS_API void ifi_dump_all(const char *filter);
  * @param entry the interface, registered or not. */
 DEVFACTS_API void ifi_dump_detail(const ifi_entry *entry);
 
-/** Prints the line "  <name>value</name>\n". Unlike xml_str_item() it prints an empty value as it is.
+/** Prints the line `"  <name>value</name>\n"`. Unlike xml_str_item() it prints an empty value as it is.
  * @param name the element; if null, nothing is printed.
  * @param value the text; if null, nothing is printed. */
 DEVFACTS_API void ifi_xml_str_item(const char *name, const char *value);
 
-/** Prints the line "  <name>value</name>\n". Unlike in xml_int_item() the number is unsigned.
+/** Prints the line `"  <name>value</name>\n"`. Unlike in xml_int_item() the number is unsigned.
  * @param name the element, not null.
  * @param value the number. */
 DEVFACTS_API void ifi_xml_int_item(const char *name, uint32_t value);

@@ -15,6 +15,7 @@ install(TARGETS devfacts devfacts_static ${PLATFORM_TARGETS} EXPORT devfacts
 
 install(TARGETS devfacts-tool COMPONENT tool)
 install(FILES docs/devfacts.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+install(FILES tools/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME devfacts COMPONENT tool)
 
 install(DIRECTORY include/devfacts DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 # With the device's own libraries these come with the firmware.

@@ -14,6 +14,7 @@
 #include "link.h"
 #include "net.h"
 #include "peers.h"
+#include "product.h"
 #include "radio.h"
 #include "text.h"
 
@@ -50,7 +51,7 @@ class family {
       std::putchar('"');
       separator = ',';
     }
-    std::printf("} %.15g\n", value);
+    std::printf("%s %.15g\n", separator == ',' ? "}" : "", value);
   }
 
  private:
@@ -64,12 +65,12 @@ void print_product() {
   const product_caps_t *caps = product_caps_get();
   char serial[64];
   char version[256];
-  const char *hardware = caps != nullptr ? caps->hardware.value : nullptr;
+  const bool is_described = caps != nullptr;
   family("product_info", "gauge", "The product; always 1.")
-      .sample({{"product_name", product_name()},
-               {"manufacturer", product_manufacturer()},
-               {"hardware", hardware},
-               {"serial_no", read_serial_no(serial, sizeof serial)},
+      .sample({{"product_name", is_described ? product_name() : nullptr},
+               {"manufacturer", is_described ? product_manufacturer() : nullptr},
+               {"hardware", is_described ? caps->hardware.value : nullptr},
+               {"serial_no", known_serial_no(serial, sizeof serial)},
                {"firmware_version", read_firmware_version(version, sizeof version)}},
               1);
 }

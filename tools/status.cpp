@@ -12,6 +12,7 @@
 #include "interface.h"
 #include "link.h"
 #include "net.h"
+#include "product.h"
 #include "radio.h"
 #include "screen.h"
 #include "store.h"
@@ -33,7 +34,7 @@ void print_identity() {
   side_by_side details(0);
   if (caps != nullptr) details.add("%s", product_manufacturer());
   if (caps != nullptr && caps->hardware.present != 0) details.add("%s", caps->hardware.value);
-  if (read_serial_no(line, sizeof line) != nullptr) details.add("serial %s", line);
+  if (known_serial_no(line, sizeof line) != nullptr) details.add("serial %s", line);
   if (read_firmware_version(line, sizeof line) != nullptr) details.add("firmware %s", line);
 }
 

@@ -19,8 +19,9 @@ DEVFACTS_BEGIN_DECLS
  *
  * A file is lines "key=value"; keys have dots ("radio.0.master"), and the value is all after the first "=". Empty lines
  * and lines that begin with "#" are skipped, and the last line of a key counts. Any other line makes the whole file
- * unreadable; `devfacts product --check FILE` finds it. This is the stand-in's format; on a device the firmware's
- * library decides. /tmp/system.cfg is trusted whoever made it: the firmware must create it before others can.
+ * unreadable (`devfacts product --check FILE` finds it), and so does a key of more than 511 characters or a size of
+ * more than 1 MiB. This is the stand-in's format; on a device the firmware's library decides. /tmp/system.cfg is
+ * trusted whoever made it: the firmware must create it before others can.
  *
  * The first call opens its file, which stays as it was read until it is closed; a file that cannot be loaded is tried
  * again by the next call. But if /etc/product is missing or not readable, that holds until the process ends: every

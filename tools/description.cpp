@@ -91,6 +91,7 @@ size_t start_size(text_view key, text_view start) {
 }
 
 bool is_word_of(text_view word, text_view words) {
+  if (word.empty()) return false;
   for (size_t at = words.find(word); at != text_view::npos; at = words.find(word, at + 1)) {
     if (words[at - 1] == ' ' && words[at + word.size()] == ' ') return true;
   }
@@ -184,8 +185,11 @@ malloc_ptr<char> read_file(const char *path, size_t &size) {
   malloc_ptr<char> text{static_cast<char *>(std::malloc(max_file + 1))};
   if (!text) return {};
   size = std::fread(text.get(), 1, max_file + 1, file.get());
+  const bool is_whole = std::ferror(file.get()) == 0 && size <= max_file;
+  if (is_whole) return text;
   if (size > max_file) errno = EFBIG;
-  return std::ferror(file.get()) != 0 || size > max_file ? malloc_ptr<char>{} : std::move(text);
+  size = 0;
+  return {};
 }
 
 }  // namespace

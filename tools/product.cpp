@@ -2,6 +2,7 @@
 #include "product.h"
 
 #include <devfacts/product.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -188,12 +189,17 @@ void print_document(form wanted, const product_caps_t *caps) {
   out.end_group("capabilities");
 }
 
-// Why a file could not be loaded.
+// Why a file could not be loaded. Another process may have changed it since.
 exit_status refuse_file(const char *path) {
-  if (access(path, R_OK) != 0) {
+  struct stat found {};
+  if (access(path, R_OK) != 0 || stat(path, &found) != 0) {
     print_error("cannot read %s: %s", path, std::strerror(errno));
+  } else if (!S_ISREG(found.st_mode)) {
+    print_error("cannot load %s: it is not a regular file", path);
+  } else if (const unsigned line = malformed_line(path); line != 0) {
+    print_error("cannot load %s: line %u is not KEY=VALUE", path, line);
   } else {
-    print_error("cannot load %s: line %u is not KEY=VALUE", path, malformed_line(path));
+    print_error("cannot load %s: it is larger than 1 MiB, or there is no memory", path);
   }
   return failed;
 }

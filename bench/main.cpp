@@ -1,4 +1,4 @@
-// Measures in the network namespace as it stands. What the printers print goes to standard output, so the measurements
+// Measures in the network namespace of the caller. What the printers print goes to standard output, so the measurements
 // are wanted by --benchmark_out.
 #include <benchmark/benchmark.h>
 #include <devfacts/net.h>

@@ -26,7 +26,7 @@ class line_reader {
   size_t max_line_;
   char *next_ = buffer_;
   char *end_ = buffer_;
-  char held_ = '\0';  // where the NUL of a piece is
+  char held_ = '\0';  // the byte that the NUL of a piece replaces
   bool is_last_ = false;
   char buffer_[capacity + 1];
 };

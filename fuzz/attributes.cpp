@@ -1,4 +1,4 @@
-// Attributes at the end of their room: a table's entries, and what they hold, lie inside it.
+// Attributes at the end of their buffer: a table's entries and their payloads are within it.
 #include <devfacts/net.h>
 
 #include <memory>

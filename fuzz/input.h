@@ -1,4 +1,4 @@
-// What a fuzz target gives the library: bytes that stand in the place of every file that it opens and of every datagram
+// What a fuzz target passes to the library: bytes that replace every file that it opens and every datagram
 // that it receives over netlink.
 #pragma once
 
@@ -18,7 +18,7 @@ inline string_view view(const uint8_t *bytes, size_t count) { return {reinterpre
 void set_files(string_view contents);
 void set_flash(string_view contents);
 
-// Each datagram stands behind its length, a byte times four.
+// Before each datagram is its length, a byte times four.
 void set_datagrams(string_view datagrams);
 
 // Runs what may end the process, which here ends the body alone.

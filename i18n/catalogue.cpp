@@ -23,10 +23,10 @@ constinit char gettext_result[text_size] = "";
 constexpr size_t max_line = text_size - 1;
 constexpr size_t id_place = sizeof id_start - 1;
 
-// The line after the id's entry; null if there is none. Of a longer id, only what a line can hold is compared.
+// The line after the id's entry; null if there is no entry. Of a longer id, only what a line can hold is compared.
 const char *find_entry(line_reader &file, const char *id) {
   const size_t compared = std::min(std::strlen(id), max_line - id_place);
-  if (std::strchr(id, '\r') != nullptr) return nullptr;  // where the line is cut
+  if (std::strchr(id, '\r') != nullptr) return nullptr;  // no entry contains one
   while (const char *line = file.next()) {
     if (!starts_with(line, id_start) || std::strncmp(line + id_place, id, compared) != 0) continue;
     const char *end = line + id_place + compared;

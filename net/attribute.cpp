@@ -18,7 +18,7 @@ rtattr *next_attribute(rtattr *attribute, int step) {
   return reinterpret_cast<rtattr *>(reinterpret_cast<char *>(attribute) + step);
 }
 
-// The length field where the walk stopped, if it is still inside the block.
+// The length at the end of the walk, if it is within the block.
 int claimed_length(const rtattr *attribute, int length) {
   return length >= static_cast<int>(sizeof attribute->rta_len) ? attribute->rta_len : 0;
 }

@@ -15,7 +15,7 @@ enum class absence : uint8_t { is_said, leaves_out };
 
 class document {
  public:
-  // The name is the root element's; a JSON object has none.
+  // The name is the root element's; a JSON object has no name.
   document(form wanted, const char *name, absence absent = absence::is_said);
   ~document();
   document(const document &) = delete;

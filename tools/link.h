@@ -1,4 +1,4 @@
-// What ethtool tells of a link, and which of it is an answer.
+// The state of a link by ethtool, and which parts of it are answers.
 #pragma once
 
 #include <devfacts/ethernet.h>
@@ -12,7 +12,7 @@ struct link_facts {
   bool has_address;
 };
 
-// False if the driver tells nothing.
+// False if the driver answers nothing.
 bool read_link(link_facts &facts, const char *name);
 
 }  // namespace devfacts::tool

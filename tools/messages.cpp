@@ -24,8 +24,8 @@ volatile std::sig_atomic_t interrupted = 0;
 
 void interrupt(int /*signal*/) { interrupted = 1; }
 
-// Signals that end the tool come only while it waits, so that none is missed and the socket is always removed. A pipe
-// that nobody reads is an error of writing. Returns the signals to wait with.
+// Signals that end the tool come only while it waits, so that no signal is missed and the socket is always removed. A
+// pipe that nobody reads is an error of writing. Returns the signals to wait with.
 sigset_t catch_signals() {
   sigset_t ending;
   sigset_t before;

@@ -29,7 +29,7 @@ bool is_number(const char *text) {
 
 }  // namespace
 
-// A walk over the file's lines: the rows so far, and the chains of which a line of the last one tells.
+// A walk over the file's lines: the rows so far, and the chains that the last one has.
 int peer_table::mark_line(void *context, char *key, char *value) {
   auto *table = static_cast<peer_table *>(context);
   if (std::strncmp(key, first_key, sizeof first_key - 1) == 0) {

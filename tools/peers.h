@@ -1,4 +1,4 @@
-// The stations connected to a radio, and which of their strengths the driver's file tells.
+// The stations connected to a radio, and which of their strengths the driver's file has.
 #pragma once
 
 #include <devfacts/wireless.h>
@@ -11,7 +11,7 @@ constexpr unsigned chain_count = 3;
 
 class peer_table {
  public:
-  // Reads the file of an interface; errno tells why there is none.
+  // Reads the file of an interface; on failure errno has the reason.
   bool read(const char *name);
 
   size_t size() const { return list_.count; }

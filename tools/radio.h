@@ -39,7 +39,7 @@ struct radio_facts {
 // Asks the driver and reads its files.
 void ask_radio(radio_facts &facts, const char *name);
 
-// Reads its files alone. False if there is none of them.
+// Reads its files alone. False if there are no files.
 bool read_radio_files(radio_facts &facts, const char *name);
 
 // A level byte as a number of dBm; only the upper half of the values can be one.

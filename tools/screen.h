@@ -31,7 +31,7 @@ class side_by_side {
 
  private:
   size_t indent_;
-  size_t used_ = 0;  // columns of the line; 0 if there is none yet
+  size_t used_ = 0;  // columns of the line; 0 before the first
 };
 
 // A strength in dBm as a bar with the number after it.

@@ -69,7 +69,8 @@ class store_session {
   bool is_open_ = false;
 };
 
-// Fills the table with the first whole image in a file, as eeprom_init() does from the store. False if there is none.
+// Fills the table with the first whole image in a file, as eeprom_init() does from the store. False if there is no
+// image.
 bool load_image(int fd);
 
 }  // namespace devfacts::tool

@@ -30,7 +30,7 @@ void keep(const T &value) {
   asm volatile("" : : "r"(&value) : "memory");
 }
 
-// Escaping: a text of 1,000 bytes, where every so many-th is "<".
+// Escaping: a text of 1,000 bytes with a "<" at a fixed distance.
 char text[1001];
 char escaped[6001];
 

@@ -35,7 +35,7 @@ bool send_with_devfacts(uint32_t size) { return socket_write(payload, size, path
 
 bool send_bare(uint32_t size) { return send(bare_sender, payload, size + head_size, MSG_NOSIGNAL) > 0; }
 
-// What the library's calls to the kernel cost: it asks for room before it sends.
+// What the library's calls to the kernel cost: before it sends, it asks whether the queue is full.
 bool send_after_select(uint32_t size) {
   fd_set set;
   FD_ZERO(&set);

@@ -83,12 +83,13 @@ DEVFACTS_API const char *prod_spec_get(const char *key);
  * @{ */
 
 /** Returns product.name of the product description. The file is opened if necessary.
- * @return the text, which may be empty, valid until prod_spec_close(); "product" if there is none. Not to be freed. */
+ * @return the text, which may be empty, valid until prod_spec_close(); "product" if there is no such key. Not to be
+ * freed. */
 DEVFACTS_API const char *product_name(void);
 
 /** Returns product.enterprise-name of the product description. The file is opened if necessary.
- * @return the text, which may be empty, valid until prod_spec_close(); "manufacturer" if there is none. Not to be
- * freed. */
+ * @return the text, which may be empty, valid until prod_spec_close(); "manufacturer" if there is no such key. Not
+ * to be freed. */
 DEVFACTS_API const char *product_manufacturer(void);
 
 /** Reads the serial number: the first 63 characters of the first line of /etc/serial-no, without the white space at its

@@ -73,8 +73,8 @@ DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
  * The store is the flash partition "Factory" if the device has one, otherwise the file /var/cfg/.eeprom. It is opened
  * for reading and writing even by eeprom_init(), which so needs the permission to write. If its folder exists, the file
  * is created, sized to 65536 bytes and set to mode 0644 whenever it is not so, and links are followed: /var/cfg must
- * belong to root alone. "open() failed", "ftruncate() failed" and "fchmod() failed", each with the errno text as
- * perror() writes it, go to standard error; only the first ends the call. If RLIMIT_FSIZE is below 65536, SIGXFSZ ends
+ * belong to root alone. "open() failed", "ftruncate() failed" and "fchmod() failed" go to standard error, with the
+ * errno text as perror() writes it; only the first ends the call. If RLIMIT_FSIZE is below 65536, SIGXFSZ ends
  * the process.
  *
  * eeprom_write() overwrites the one image in place, and the image has no checksum. A power cut or a kill during it can

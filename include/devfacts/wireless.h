@@ -222,7 +222,7 @@ DEVFACTS_API int iw_read_states(iw_status *status);
 DEVFACTS_API int iw_radio_limits(iw_radio_limits_t *limits, const char *name);
 
 /** Returns the country of the product description, product.countrycode.
- * @return the text, valid until prod_spec_close(), not to be freed; null if there is none. */
+ * @return the text, valid until prod_spec_close(), not to be freed; null if there is no such key. */
 DEVFACTS_API const char *iw_countrycode_limits(void);
 
 /** @} */

@@ -1,4 +1,4 @@
-# The reference of the public headers: HTML by Doxygen, and manual pages that cmake/manual.py makes of Doxygen's XML. Libraries and
+# The reference of the public headers: HTML by Doxygen, and manual pages that cmake/manual/pages.py makes of Doxygen's XML. Libraries and
 # tool are built without it, packages are not.
 find_package(Doxygen QUIET)
 find_package(Python3 QUIET COMPONENTS Interpreter)
@@ -17,15 +17,16 @@ if(DEVFACTS_DOCS)
     set(DEVFACTS_DOXYGEN_WARNINGS FAIL_ON_WARNINGS)
   endif()
   file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
+  file(GLOB scripts CONFIGURE_DEPENDS cmake/manual/*.py)
   set(input ${PROJECT_SOURCE_DIR}/docs/mainpage.dox ${DEVFACTS_HEADERS} ${PLATFORM_HEADERS} ${documents})
   list(TRANSFORM input REPLACE "(.+)" "\"\\1\"" OUTPUT_VARIABLE DEVFACTS_DOXYGEN_INPUT)
   list(JOIN DEVFACTS_DOXYGEN_INPUT " " DEVFACTS_DOXYGEN_INPUT)
   configure_file(docs/Doxyfile.in ${DEVFACTS_REFERENCE}/Doxyfile @ONLY)
   add_custom_command(OUTPUT ${DEVFACTS_REFERENCE}/made VERBATIM
-    DEPENDS ${input} docs/Doxyfile.in cmake/manual.py cmake/manual_filter.py
+    DEPENDS ${input} ${scripts} docs/Doxyfile.in
     COMMAND ${CMAKE_COMMAND} -E rm -rf html xml pages WORKING_DIRECTORY ${DEVFACTS_REFERENCE}
     COMMAND Doxygen::doxygen Doxyfile
-    COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/cmake/manual.py xml pages ${PROJECT_VERSION}
+    COMMAND Python3::Interpreter -B ${PROJECT_SOURCE_DIR}/cmake/manual/pages.py xml pages ${PROJECT_VERSION}
     COMMAND ${CMAKE_COMMAND} -E touch made
     COMMENT "Making the reference")
   add_custom_target(devfacts-docs ALL DEPENDS ${DEVFACTS_REFERENCE}/made)

@@ -49,7 +49,7 @@ int trap(int value);
 /** @} */
 HEADER
 sed -E "s|^(OUTPUT_DIRECTORY *=).*|\1 \"$work\"|; s|^(INPUT *=).*|\1 \"$work/traps.h\"|; s|^(GENERATE_HTML *=).*|\1 NO|" "$1/docs/Doxyfile" | doxygen -
-python3 "$2/cmake/manual.py" "$work/xml" "$work/traps" 0
+python3 -B "$2/cmake/manual/pages.py" "$work/xml" "$work/traps" 0
 says "$work/traps/devfacts_traps.3devfacts" "Holds for all traps. 'Twas in a section. trap(3devfacts) begins a line"
 [ "$(groff -man -Tascii -P-cbou "$work/traps/trap.3devfacts" | grep -cE '^ +printf|a  b')" -eq 2 ] || fail "blanks are lost"
 while IFS= read -r text; do says "$work/traps/trap.3devfacts" "$text"; done <<'TEXTS'

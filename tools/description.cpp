@@ -55,7 +55,7 @@ struct entry {
 // Takes the first line off the text. False if it is malformed.
 bool take_line(text_view &text, entry &line) {
   const size_t end = text.find('\n');
-  text_view rest = text.substr(0, end);
+  text_view rest = leading(text, end);
   text.remove_prefix(end == text_view::npos ? text.size() : end + 1);
   if (rest.ends_with('\r')) rest.remove_suffix(1);
   line = {};
@@ -65,7 +65,7 @@ bool take_line(text_view &text, entry &line) {
   const size_t length = static_cast<size_t>(
       std::find_if(rest.begin(), rest.end(), [](char c) { return c == '=' || is_space(c); }) - rest.begin());
   if (length == 0 || length > max_key || length == rest.size() || rest[length] != '=') return false;
-  line = {rest.substr(0, length), rest.substr(length + 1)};
+  line = {leading(rest, length), after(rest, length + 1)};
   return true;
 }
 
@@ -82,12 +82,12 @@ size_t index_size(text_view key) {
 size_t start_size(text_view key, text_view start) {
   size_t at = 0;
   for (const char each : start) {
-    const text_view rest = key.substr(at);
+    const text_view rest = after(key, at);
     const size_t size = each == '#' ? index_size(rest) : rest.starts_with(each) ? 1 : 0;
     if (size == 0) return 0;
     at += size;
   }
-  return key.substr(at).starts_with('.') ? at : 0;
+  return after(key, at).starts_with('.') ? at : 0;
 }
 
 bool is_word_of(text_view word, text_view words) {
@@ -102,8 +102,8 @@ bool is_word_of(text_view word, text_view words) {
 bool has_key(text_view text, text_view start, text_view end) {
   entry line;
   while (!text.empty() && take_line(text, line)) {
-    const bool is_start = line.key.starts_with(start) && line.key.substr(start.size()).starts_with('.');
-    if (is_start && (end.empty() || line.key.substr(start.size() + 1) == end)) return true;
+    const bool is_start = line.key.starts_with(start) && after(line.key, start.size()).starts_with('.');
+    if (is_start && (end.empty() || after(line.key, start.size() + 1) == end)) return true;
   }
   return false;
 }
@@ -126,7 +126,7 @@ class inspection {
   bool is_clean() {
     for (text_view rest = text_; !rest.empty();) {
       entry line;
-      const text_view before = text_.substr(0, text_.size() - rest.size());
+      const text_view before = leading(text_, text_.size() - rest.size());
       ++number_;
       if (!take_line(rest, line)) {
         say("not KEY=VALUE: because of this line nothing of the file is read");
@@ -156,12 +156,12 @@ class inspection {
     for (const auto &each : known_keys) {
       const size_t size = start_size(line.key, each.start);
       if (size == 0) continue;
-      const text_view end = line.key.substr(size + 1);
+      const text_view end = after(line.key, size + 1);
       const text_view value = line.value;
       const bool is_read = is_word_of(end, each.ends);
       is_known = is_known || is_read;
       if (is_read && end == "range" && !has_figures(value)) say("no LOW-HIGH in \"%.*s\"", PRINTED(value));
-      if (*each.row_end != '\0') inspect_row(line.key.substr(0, size), each.row_end, before);
+      if (*each.row_end != '\0') inspect_row(leading(line.key, size), each.row_end, before);
     }
     if (!is_known) say("nothing reads \"%.*s\"", PRINTED(line.key));
   }

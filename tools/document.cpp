@@ -103,7 +103,7 @@ void document::print_text(std::string_view text) {
     if (is_replaced(each) && !is_space) {
       std::fputs(replacement, stdout);
     } else {
-      print_character(rest.substr(0, each.size));
+      print_character(leading(rest, each.size));
     }
   }
 }

@@ -36,7 +36,7 @@ bool has_colours() {
 size_t print_within(std::string_view text, size_t columns) {
   size_t used = 0;
   while (!text.empty()) {
-    const std::string_view each = text.substr(0, first_character(text).size);
+    const std::string_view each = leading(text, first_character(text).size);
     const size_t width = visible_width(each);
     if (used + width > columns) break;
     print_visible(stdout, each);

@@ -21,7 +21,7 @@ bool is_surrogate(uint32_t code) { return code >= 0xd800 && code < 0xe000; }
 character decode(std::string_view text, uint32_t size) {
   const auto &form = forms[size - 1];
   uint32_t code = static_cast<unsigned char>(text[0]) & form.bits;
-  for (const char each : text.substr(1, size - 1)) {
+  for (const char each : after(leading(text, size), 1)) {
     const auto byte = static_cast<unsigned char>(each);
     if ((byte & 0xc0) != 0x80) return {character::invalid, 1};
     code = code << 6 | (byte & 0x3f);
@@ -52,7 +52,7 @@ void print_visible(FILE *out, std::string_view text, quoting how) {
     const character each = take_character(text);
     if (is_escaped(each, how)) {
       const char *format = how == quoting::label ? "\\\\x%02x" : "\\x%02x";
-      for (const char byte : rest.substr(0, each.size)) std::fprintf(out, format, static_cast<unsigned char>(byte));
+      for (const char byte : leading(rest, each.size)) std::fprintf(out, format, static_cast<unsigned char>(byte));
     } else {
       if (how == quoting::label && each.code == '"') std::fputc('\\', out);
       std::fwrite(rest.data(), 1, each.size, out);

@@ -3,6 +3,7 @@
 
 #include <devfacts/core.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -22,6 +23,16 @@ struct character {
 
 // The character at the start of a text that is not empty.
 character first_character(std::string_view text);
+
+// The first bytes of a text, and what follows them. std::string_view::substr() would need the C++ runtime, for its
+// exception.
+inline std::string_view leading(std::string_view text, size_t size) {
+  return {text.data(), std::min(size, text.size())};
+}
+inline std::string_view after(std::string_view text, size_t size) {
+  text.remove_prefix(std::min(size, text.size()));
+  return text;
+}
 
 // Takes the first character off the text.
 inline character take_character(std::string_view &text) {

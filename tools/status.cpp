@@ -56,11 +56,11 @@ void print_link(const char *name) {
 }
 
 // What a counter of bytes has, or how fast it grows.
-void print_bytes(const ifi_entry &entry, reading kind, char counter, uint32_t value) {
+void print_bytes(const ifi_entry &entry, reading kind, char direction, uint32_t bytes) {
   if (kind == reading::watched) {
-    print_amount(rate_of(entry.name, counter, value), "B/s");
+    print_amount(rate_of(entry.name, direction, bytes), "B/s");
   } else {
-    print_amount(value, "B");
+    print_amount(bytes, "B");
   }
 }
 

@@ -30,8 +30,11 @@ constexpr length_table make_lengths() {
 }
 
 constexpr length_table lengths = make_lengths();
-static_assert(lengths.of['\''] == 6 && lengths.of['"'] == 6 && lengths.of['&'] == 5 && lengths.of['<'] == 4 &&
-              lengths.of['>'] == 4 && lengths.of['#'] == 1);
+
+// A character is no index: it may be signed.
+constexpr uint8_t length_of(char byte) { return lengths.of[static_cast<uint8_t>(byte)]; }
+static_assert(length_of('\'') == 6 && length_of('"') == 6 && length_of('&') == 5 && length_of('<') == 4 &&
+              length_of('>') == 4 && length_of('#') == 1);
 
 // The bytes that the escaped text needs with its NUL, and the end of the text; 0 if no allocation can be that large.
 size_t escaped_size(const char *&src) {
@@ -80,7 +83,7 @@ void copy(void *to, const void *from) {
 char *escape_bytes(char *to, const char *from, const char *end) {
   while (from != end) {
     const char byte = *from++;
-    const size_t length = lengths.of[static_cast<uint8_t>(byte)];
+    const size_t length = length_of(byte);
     if (length == 1) [[likely]] {
       *to++ = byte;
       continue;

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 namespace devfacts {
 
@@ -24,8 +23,12 @@ class big_endian {
     return value;
   }
 
-  friend bool operator==(const big_endian &one, const big_endian &other) {
-    return std::memcmp(one.bytes_, other.bytes_, sizeof(T)) == 0;
+  // Most differ in their first byte.
+  friend constexpr bool operator==(const big_endian &one, const big_endian &other) {
+    for (std::size_t i = 0; i < sizeof(T); ++i) {
+      if (one.bytes_[i] != other.bytes_[i]) return false;
+    }
+    return true;
   }
 
  private:

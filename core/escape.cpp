@@ -124,6 +124,7 @@ char *escape_xml(const char *src, char *dst) {
     const size_t size = escaped_size(end);
     if (size != 0) dst = static_cast<char *>(std::malloc(size));
     if (dst == nullptr) return nullptr;
+    if (size == static_cast<size_t>(end - src) + 1) return static_cast<char *>(std::memcpy(dst, src, size));
   } else {
     end += std::strlen(src);
   }

@@ -20,7 +20,7 @@ class line_reader {
  private:
   static constexpr size_t capacity = 4096;
 
-  bool read_on();
+  [[gnu::cold]] bool read_on();
 
   unique_fd file_;
   size_t max_line_;

@@ -29,14 +29,14 @@ class print_buffer {
   void line(const char *text);
   static constexpr size_t max_line = 32;
 
-  void flush();
+  [[gnu::noinline]] void flush();
 
  private:
   static constexpr size_t capacity = 1024;
 
   void item(const char *name, uint32_t magnitude, bool is_negative);
   bool append(const char *name, const char *value);  // false if it does not fit
-  void flush_and_append(const char *name, const char *value);
+  [[gnu::cold]] void flush_and_append(const char *name, const char *value);
 
   size_t size_ = 0;
   char text_[capacity + sizeof "  <></>\n"];  // the rest of an item is appended without a check

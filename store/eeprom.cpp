@@ -24,19 +24,26 @@ constexpr size_t block_steps = 1024;
 
 bool load_at(int fd, off_t offset) { return lseek(fd, offset, SEEK_SET) == offset && eeprom_load_image(fd) == 0; }
 
-// Loads the image at the lowest offset at which one loads. The store ends at the first step that cannot be read; after
-// a short read the remaining steps are read one at a time.
-bool find_image(int fd) {
+// The first step at or after the offset that may begin an image; -1 if there is none. The store ends at the first step
+// that cannot be read; after a short read the remaining steps are read one at a time. Not inlined, so that its block is
+// off the stack before the image is on it.
+[[gnu::noinline]] off_t next_candidate(int fd, off_t offset) {
   image_header block[block_steps];
-  size_t wanted = step;
-  for (off_t offset = 0;;) {
+  for (size_t wanted = step;;) {
     const ssize_t count = pread(fd, block, wanted, offset);
-    if (count < static_cast<ssize_t>(step) && wanted == step) return false;
+    if (count < static_cast<ssize_t>(step) && wanted == step) return -1;
     wanted = count == static_cast<ssize_t>(wanted) ? sizeof block : step;
     for (ssize_t i = 0; i < count / static_cast<ssize_t>(step); ++i, offset += step) {
-      if (is_candidate(block[i]) && load_at(fd, offset)) return true;
+      if (is_candidate(block[i])) return offset;
     }
   }
+}
+
+// Loads the image at the lowest offset at which one loads.
+bool find_image(int fd) {
+  off_t offset = next_candidate(fd, 0);
+  while (offset >= 0 && !load_at(fd, offset)) offset = next_candidate(fd, offset + static_cast<off_t>(step));
+  return offset >= 0;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <alloca.h>
 #include <unistd.h>
 
+#include <bit>
 #include <span>
 
 #include "core/big_endian.h"
@@ -67,6 +68,10 @@ void devfacts::write_image(std::span<std::byte> buffer) {
   for (uint32_t id = 0; id < eeprom_table.capacity; ++id) {
     const eeprom_record *record = eeprom_table.slots[id];
     if (record == nullptr) continue;
+    if constexpr (std::endian::native == std::endian::big) {
+      image.write(record, padded_size(record->length));  // its head is in the stored order as it is
+      continue;
+    }
     image.write(record_head{record->length, record->id});
     image.write(record + 1, padded_size(record->length) - record_head_size);
   }

@@ -33,11 +33,14 @@ void eeprom_slot_release(uint32_t id) { std::free(std::exchange(eeprom_table.slo
 
 // With the padding, and one more zero that ends a text.
 eeprom_record *make_record(uint32_t id, const void *data, uint32_t size) {
-  auto *record = static_cast<eeprom_record *>(std::calloc(padded_size(size + record_head_size) + 1, 1));
+  const uint32_t padded = padded_size(size + record_head_size);
+  auto *record = static_cast<eeprom_record *>(std::malloc(padded + 1));
   if (record == nullptr) return nullptr;
+  record[padded / sizeof *record - 1] = {};
   record->length = static_cast<uint16_t>(size + record_head_size);
   record->id = static_cast<uint16_t>(id);
   std::memcpy(record + 1, data, size);
+  reinterpret_cast<char *>(record)[padded] = '\0';
   return record;
 }
 

@@ -38,12 +38,23 @@ class frequency_reader {
   double power_ = 1.0;
 };
 
+// What the driver is offered: twice the record, of which the first is the answer.
+struct range_answer {
+  iw_range_record range, rest;
+};
+
+int ask_range(const char *name, range_answer &answer) {
+  std::memset(&answer, 0, sizeof answer);
+  return query(SIOCGIWRANGE, name, {&answer, sizeof answer, 0}, [](const iwreq_data &) {});
+}
+
 }  // namespace
 
 int get_range_info(const char *name, iw_range_record *range) {
-  iw_range_record answer[2]{};
-  const iw_point buffer{answer, sizeof answer, 0};
-  return query(SIOCGIWRANGE, name, buffer, [&](const iwreq_data &) { *range = answer[0]; });
+  range_answer answer;
+  if (ask_range(name, answer) != 0) return -1;
+  *range = answer.range;
+  return 0;
 }
 
 double iw_freq2double(const void *freq) { return frequency_reader().read(freq); }
@@ -52,8 +63,9 @@ int iw_freq_channel(iw_status *status, const char *name) {
   frequency_reader reader;
   const auto store = [&](const iwreq_data &answer) { status->frequency = reader.read(&answer.freq); };
   if (query(SIOCGIWFREQ, name, {}, store) != 0) return -1;
-  iw_range_record range;
-  if (get_range_info(name, &range) != 0) return -1;
+  range_answer answer;
+  if (ask_range(name, answer) != 0) return -1;
+  const iw_range_record &range = answer.range;
   for (const iw_range_freq &row : std::span(range.freq, range.num_frequency)) {
     if (reader.read(&row) != status->frequency) continue;
     status->channel = row.channel;
@@ -63,8 +75,9 @@ int iw_freq_channel(iw_status *status, const char *name) {
 }
 
 int iw_bitrates(iw_status *status, const char *name) {
-  iw_range_record range;
-  if (get_range_info(name, &range) != 0) return -1;
+  range_answer answer;
+  if (ask_range(name, answer) != 0) return -1;
+  const iw_range_record &range = answer.range;
   const size_t count = std::min<size_t>(range.num_bitrates, std::size(range.bitrate));
   std::copy_n(range.bitrate, count, status->bit_rates);
   return 0;

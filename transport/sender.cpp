@@ -1,11 +1,11 @@
 // The sending end: one connection of the process.
-#include <alloca.h>
 #include <devfacts/transport.h>
 #include <fcntl.h>
-#include <sys/select.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -77,20 +77,36 @@ bool connect_to(const char *path) {
   return true;
 }
 
-// Of the set only the words up to the descriptor's exist, as the kernel reads no more; a high one has more than fd_set.
-bool wait_writable(int fd) {
-  const auto place = static_cast<size_t>(fd) / NFDBITS;
-  const size_t size = (place + 1) * sizeof(fd_mask);
-  // cppcheck-suppress allocaCalled
-  auto *set = static_cast<fd_mask *>(std::memset(alloca(size), 0, size));
-  set[place] = static_cast<fd_mask>(1UL << fd % NFDBITS);
+int64_t milliseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+}
+
+// As with select, for a descriptor that a set can't hold.
+bool poll_writable(int fd) {
+  const int64_t end = milliseconds() + wait_seconds * 1000;
+  pollfd slot{fd, POLLOUT, 0};
+  int ready = 0;
+  do {
+    ready = poll(&slot, 1, static_cast<int>(std::max<int64_t>(end - milliseconds(), 0)));
+  } while (ready < 0 && errno == EINTR);
+  return ready > 0 && (slot.revents & (POLLOUT | POLLERR)) != 0;
+}
+
+bool select_writable(int fd) {
+  fd_set set;
+  FD_ZERO(&set);
+  FD_SET(fd, &set);
   timeval limit{wait_seconds, 0};  // an interrupted select leaves the remaining time in it
   int ready = 0;
   do {
-    ready = select(fd + 1, nullptr, reinterpret_cast<fd_set *>(set), nullptr, &limit);
+    ready = select(fd + 1, nullptr, &set, nullptr, &limit);
   } while (ready < 0 && errno == EINTR);
   return ready > 0;
 }
+
+bool wait_writable(int fd) { return fd < FD_SETSIZE ? select_writable(fd) : poll_writable(fd); }
 
 bool send_whole(const void *bytes, size_t size) {
   ssize_t sent = 0;

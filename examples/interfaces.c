@@ -6,22 +6,19 @@
 #include <netinet/in.h>
 #include <stdio.h>
 
-static void print_addresses(const ifi_entry *entry) {
+static void print_address(const ipi_entry *address) {
   char text[INET6_ADDRSTRLEN];
-  const list_link *link;
-  for (link = entry->addrs.next; link != &entry->addrs; link = link->next) {
-    const ipi_entry *address = (const ipi_entry *)link;
-    if (address->family != AF_INET && address->family != AF_INET6) continue;
-    if (ifi_ip_ntop(text, sizeof text, address)) printf(" %s/%d", text, (int)address->prefixlen);
-  }
+  if (address->family != AF_INET && address->family != AF_INET6) return;
+  if (ifi_ip_ntop(text, sizeof text, address)) printf(" %s/%d", text, (int)address->prefixlen);
 }
 
 int main(void) {
-  const list_link *link;
-  for (link = ifi_get_all_ip()->next; link != &interfaces; link = link->next) {
-    const ifi_entry *entry = (const ifi_entry *)link;
+  ifi_get_all_ip();
+  for (const ifi_entry *entry = ifi_next(NULL); entry; entry = ifi_next(entry)) {
     printf("%d: %s", (int)entry->index, entry->name ? entry->name : "?");
-    print_addresses(entry);
+    for (const ipi_entry *address = ipi_next(entry, NULL); address; address = ipi_next(entry, address)) {
+      print_address(address);
+    }
     putchar('\n');
   }
   ifi_free_all();

@@ -49,7 +49,9 @@ static void print_interface(const ifi_entry *entry) {
   xml_int_item("index", entry->index);
   print_text("name", entry->name ? entry->name : "");
   xml_str_item("status", entry->flags & IFF_UP ? "up" : "down");
-  for (const ipi_entry *address = NULL; (address = ipi_next(entry, address));) print_address(address);
+  for (const ipi_entry *address = ipi_next(entry, NULL); address; address = ipi_next(entry, address)) {
+    print_address(address);
+  }
   if (entry->stats) {
     xml_int64_item("rx_bytes", entry->stats->rx_bytes);
     xml_int64_item("tx_bytes", entry->stats->tx_bytes);
@@ -68,7 +70,7 @@ static int write_document(const char *path) {
   if (!freopen(path, "w", stdout)) return fail(path);
   puts("<status>");
   ifi_get_all_ip();
-  for (const ifi_entry *entry = NULL; (entry = ifi_next(entry));) print_interface(entry);
+  for (const ifi_entry *entry = ifi_next(NULL); entry; entry = ifi_next(entry)) print_interface(entry);
   puts("</status>");
   ioctl_close();
   ifi_free_all();

@@ -24,7 +24,7 @@ until_prints() { for _ in $(seq 100); do ! grep -qs -- "$2" "$1" || return 0; sl
 
 # A document a second while interfaces come and go; without descriptors there is none, and the program goes on.
 ip link add 'a<b&c' type veth peer name pair
-start ./statusd 1 status.xml 3 2>statusd.errors &
+start ./statusd 1 status.xml 6 2>statusd.errors &
 until_prints status.xml '<name>a&lt;b&amp;c</name>'
 ip link del pair
 prlimit --nofile=3: --pid $!

@@ -1,6 +1,7 @@
 // Both ends of the datagram transport.
 #include <devfacts/transport.h>
 #include <poll.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 
@@ -11,6 +12,7 @@
 #include <string_view>
 
 #include "command.h"
+#include "core/owner.h"
 #include "text.h"
 
 namespace devfacts::tool {
@@ -90,14 +92,19 @@ exit_status fail(const char *what, const char *path, const char *reason) {
   return failed;
 }
 
+bool can_connect(const char *path) {
+  sockaddr_un address{AF_UNIX, {}};
+  std::strcpy(address.sun_path, path);
+  const unique_fd fd{socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
+  return connect(fd.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+}
+
 // Why a message cannot be sent; null if nothing is known to be in the way.
 const char *obstacle(const char *text, const char *path) {
-  struct stat found {};
   if (*text == '\0') return "it is empty, and no receiver takes that";
   if (std::strlen(text) > max_payload) return "it is longer than 1596 bytes, and no receiver takes that";
   if (std::strlen(path) > max_path) return "the path is too long for a socket";
-  if (stat(path, &found) != 0) return std::strerror(errno);
-  return S_ISSOCK(found.st_mode) ? nullptr : "that is not a socket";
+  return can_connect(path) ? nullptr : std::strerror(errno);
 }
 
 }  // namespace

@@ -146,6 +146,8 @@ DEVFACTS_API char *escape_xml(const char *src, char *dst);
  *
  * A file that cannot be opened is like an empty one, and a read error like the end. To tell these apart, use fopen(),
  * iterate_raw(), then ferror(). Opening a named pipe waits for its writer.
+ *
+ * A walk takes 5 KiB of stack; 200 lines take roughly 0.2 ms on a processor of 384 MHz, without the kernel's work.
  * @{ */
 
 /** Called for each selected line.

@@ -37,7 +37,8 @@ DEVFACTS_API int set_po_access_path(const char *catalogue, const char *base_dir)
  * read or has no whole entry. It belongs to the library and is overwritten by the next call: two results in one
  * printf() are the same text.
  * @par Cost
- * Each call reads the catalogue up to the entry. 8 KiB of stack. */
+ * Each call reads the catalogue up to the entry: 500 entries take some 300,000 instructions on the device, roughly 1 ms
+ * at 384 MHz, without the kernel's work. 5 KiB of stack. */
 DEVFACTS_API char *gettext(const char *msgid) DEVFACTS_NOTHROW; /* NOLINT(readability-redundant-declaration) */
 
 DEVFACTS_END_DECLS

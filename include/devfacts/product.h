@@ -126,7 +126,7 @@ enum {
 /** Checks for a chip: the one whose name is anywhere in the firmware version (4095 characters of it), in the same case.
  * If there are several names, the first in this order counts: the chips up to CPU_RT2880, then CPU_RT3052, CPU_RT3050,
  * CPU_RT3352, CPU_SL3512, CPU_X86, CPU_XSCALE. A chip that was found is remembered until the process ends; before that,
- * every call reads the file. Several threads may call it at once. It takes 4 KiB of stack.
+ * every call reads the file. Several threads may call it at once. It takes 5 KiB of stack.
  * @param id a CPU_ number.
  * @return 1 if it is this chip, otherwise 0. CPU_NONE is 1 while no chip is found. */
 DEVFACTS_API int cpu_detect(int32_t id);

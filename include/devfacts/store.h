@@ -94,7 +94,8 @@ DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
  * @return 0 if an image was loaded whole. -1 without memory, a store or an image: the table is empty and can be filled.
  * -1 also with damaged images only: it has the records before the damage.
  * @par Cost
- * At least 96 KiB of stack. Of a crafted store up to 4096 times its size is read, once for each possible start. */
+ * As much stack as the image has bytes, at most 65 KiB: a thread needs 96 KiB. Of a crafted store up to 4096 times its
+ * size is read, once for each possible start of an image. */
 DEVFACTS_API int eeprom_init(void);
 
 /** Adds the records of the image at the start of a file to the table; they replace records with the same ids.

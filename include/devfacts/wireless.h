@@ -78,7 +78,7 @@ typedef struct iw_status {
  * A query that fails leaves its fields zero, as if zero were the answer: to know, make the single query. The values are
  * read one after the other, so counters are not of one moment.
  * Warning: the first call in the process, even with a wrong name, decides the limits for all later ones; see
- * iw_radio_limits(). The call takes 13 KiB of stack.
+ * iw_radio_limits(). The call takes 9 KiB of stack.
  * @param[out] status the record.
  * @param name the interface. The record has the pointer, so the text must stay.
  * @return always 0; ends the process as ioctl_socket() does.
@@ -154,14 +154,14 @@ DEVFACTS_API double iw_freq2double(const void *freq);
 
 /** Sets frequency (SIOCGIWFREQ) and channel (SIOCGIWRANGE).
  * channel is that of the first row of the range record with exactly this frequency. Without such a row it stays as it
- * was, and the result is 0: clear it first. The call takes 13 KiB of stack.
+ * was, and the result is 0: clear it first. The call takes 9 KiB of stack.
  * @param status,name the record, the interface.
  * @return 0 or -1. If only the second request fails, frequency is set. */
 DEVFACTS_API int iw_freq_channel(iw_status *status, const char *name);
 
 /** Sets the start of bit_rates to the rates of the range record, at most 32.
  * Their number is its num_bitrates (get_range_info()). Rates after them stay as they were: clear bit_rates first.
- * The call takes 13 KiB of stack.
+ * The call takes 9 KiB of stack.
  * @param status,name the record, the interface.
  * @return 0 or -1. */
 DEVFACTS_API int iw_bitrates(iw_status *status, const char *name);
@@ -181,7 +181,7 @@ DEVFACTS_API int iw_get_channels(const char *name, uint32_t first_word, void *bu
  *
  * The first line that begins with the key counts. The result is -1, and the field stays as it was, if the name is null
  * or too long for a path of 4095 characters, if there is no such file or line, or if its value is not a 32-bit number.
- * No control socket is needed; with a record for each thread several may run at once. A call takes 5 KiB of stack.
+ * No control socket is needed; with a record for each thread several may run at once. A call takes 9 KiB of stack.
  * @{ */
 
 /** Sets tx_retry ("Retried" in txstats). @param status,name the record, the interface. @return 0 or -1. */

@@ -67,7 +67,8 @@ static int fail(const char *what) {
 
 /* The child: the document goes to standard output, which is the new file. */
 static int write_document(const char *path) {
-  if (!freopen(path, "w", stdout)) return fail(path);
+  unlink(path); /* and never opened through a link that somebody else has made there: "x" */
+  if (!freopen(path, "wx", stdout)) return fail(path);
   puts("<status>");
   ifi_get_all_ip();
   for (const ifi_entry *entry = ifi_next(NULL); entry; entry = ifi_next(entry)) print_interface(entry);

@@ -6,8 +6,7 @@
 #include "input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t count) {
-  fuzz::set_datagrams(fuzz::view(bytes, count));
-  fuzz::run([] { ifi_get_all_ip(); });
+  fuzz::run(fuzz::view(bytes, count), [] { ifi_get_all_ip(); });
   for (const list_link *link = interfaces.next; link != &interfaces; link = link->next) {
     const auto *entry = reinterpret_cast<const ifi_entry *>(link);
     fuzz::require(link->next->prev == link && ifi_find_by_index(entry->index) != nullptr);

@@ -6,10 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 
 #include "platform/cfg_store.h"
-#include "support/test.h"
+#include "support/faults.h"
+#include "support/process.h"
 
 using namespace test;
 
@@ -34,9 +36,9 @@ TEST(hardening, configuration_files_and_keys_have_limits) {
         write_file("/f", row.text);
         std::filesystem::resize_file("/f", row.size);
         read_at_most(read_size);
-        cfg_handle store = cfg_create();
-        EXPECT_EQ(cfg_read_file(store, "/f"), row.result) << row.size;
-        cfg_destroy(store);
+        cfg_handle handle = cfg_create();
+        EXPECT_EQ(cfg_read_file(handle, "/f"), row.result) << row.size;
+        cfg_destroy(handle);
       });
     }
   }
@@ -54,7 +56,7 @@ TEST(hardening, no_message_goes_into_the_records) {
       eeprom_init();
       EXPECT_EQ(close(STDERR_FILENO), -1);
       dup2(kept, STDERR_FILENO);
-      EXPECT_TRUE(data(store_path) == before) << call;
+      EXPECT_TRUE(read_file(store_path) == before) << call;
     });
   }
 }
@@ -69,20 +71,18 @@ TEST(hardening, a_small_stack_ends_at_its_guard_page) {
   auto *memory = static_cast<char *>(
       mmap(nullptr, guard_end + stack_size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
   mprotect(memory + guard_end - 4096, 4096, PROT_NONE);
-  on_device(
-      [=] {
-        write_file(store_path,
-                   std::string("WXEE\0\0\xff\xff\0\1\0\0\0\0\0\0\xff\xef\0\5", 20) + std::string(65516, 'x'));
-        ucontext_t small;
-        getcontext(&small);
-        small.uc_stack = {memory + guard_end, 0, stack_size};
-        const auto run = [] {
-          eeprom_init();
-          leave();
-        };
-        makecontext(&small, run, 0);
-        setcontext(&small);
-      },
-      emulated ? "|qemu: uncaught target signal 11 (Segmentation fault) - core dumped\n|139" : "||139");
+  const ending end = run_on_device([=] {
+    write_file(store_path, std::string("WXEE\0\0\xff\xff\0\1\0\0\0\0\0\0\xff\xef\0\5", 20) + std::string(65516, 'x'));
+    ucontext_t small;
+    getcontext(&small);
+    small.uc_stack = {memory + guard_end, 0, stack_size};
+    const auto run = [] {
+      eeprom_init();
+      leave();
+    };
+    makecontext(&small, run, 0);
+    setcontext(&small);
+  });
+  EXPECT_EQ(end.status, 128 + SIGSEGV);
   EXPECT_EQ(std::count(memory, memory + guard_end - 4096, '\0'), guard_end - 4096);
 }

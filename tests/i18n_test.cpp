@@ -1,69 +1,95 @@
 // Texts from catalogues on a device of their own.
 #include <devfacts/i18n.h>
 
-#include "support/test.h"
+#include "support/process.h"
 
 using namespace test;
 
-std::string entry(const std::string &id, const std::string &translation) {
+static std::string entry(const std::string &id, const std::string &translation) {
   return "msgid \"" + id + "\"\nmsgstr \"" + translation + "\"\n";
 }
 
-void choose(const std::string &language, const std::string &catalogue) {
-  write_file("/etc/lang", language);
-  write_file("/po/" + language + "/c.po", catalogue);
+static void install(const std::string &catalogue) {
+  write_file("/etc/lang", "de");
+  write_file("/po/de/c.po", catalogue);
   EXPECT_EQ(set_po_access_path("c", "/po"), 0);
 }
 
-// A line counts up to 4095 characters, and what is behind them is the next.
+// A line counts up to 4095 characters, and what comes after them is the next line.
 TEST(gettext, finds_whole_lines_alone) {
-  on_device([catalogue = data("catalogue.po"), table = rows("texts")] {
-    choose("de", catalogue);
-    EXPECT_STREQ(gettext(R"(say \"hi\")"), R"(a \)");
-    for (const auto &row : table) {  // the catalogue where it is another one, what is asked for, what that gives
-      choose("de", row[0].empty() ? catalogue : row[0]);
-      EXPECT_EQ(gettext(row[1].c_str()), row[2]) << row[0] << row[1];
+  const std::string longest(4086, 'x');
+  const std::string catalogue = read_file("device/po/de/c.po");
+  const struct {
+    std::string catalogue, id, translation;
+  } cases[] = {
+      {catalogue, "plain", "first"},
+      {catalogue, "plain text", "an id that begins with another"},
+      {catalogue, "in plain", "an id that ends with another"},
+      {catalogue, "lain", "lain"},
+      {catalogue, "crlf", "cut"},
+      {catalogue, "return", "cut at the first"},
+      {catalogue, "empty", ""},
+      {catalogue, "", "the empty id"},
+      {catalogue, R"(say \"hi\")", R"(a \)"},
+      {catalogue, "far", "far"},
+      {catalogue, "plural", "plural"},
+      {catalogue, "open", "open"},
+      {catalogue, "inside", "anywhere"},
+      {catalogue, "end", "end of file"},
+      {entry("a", longest), "a", longest},
+      {entry("a", longest + "x"), "a", "a"},
+      {entry(longest, "found"), longest, "found"},
+      {"msgid \"" + longest + "x1msgstr \"found\"", longest + "x1", "found"},
+      {"#" + longest + "x1234567" + entry("a", "after"), "a", "after"},
+      {"#" + longest + "x123456" + entry("a", "not a line"), "a", "a"},
+      {"", longest + "x123456789", longest + "x12345678"},
+      {"msgid \"end\"", "end", "end"},
+  };
+  on_device([&] {
+    for (const auto &each : cases) {
+      install(each.catalogue);
+      EXPECT_EQ(gettext(each.id.c_str()), each.translation) << each.id.substr(0, 20);
     }
   });
 }
 
 TEST(gettext, its_result_lasts_until_the_next_call_and_may_be_its_argument) {
-  on_device([catalogue = data("catalogue.po")] {
+  on_device([] {
     const char id[] = "plain";
     char *result = gettext(id);
     EXPECT_NE(result, id);
     EXPECT_STREQ(result, id);
-    choose("de", catalogue);
+    install(entry(id, "first") + entry("first", "of a result"));
     EXPECT_EQ(gettext(id), result);
     EXPECT_STREQ(gettext(result), "of a result");
     EXPECT_STREQ(gettext(gettext("no first") + 3), "of a result");
-    std::string lines;
-    while (lines.size() < 5000) lines += "msgid \"";  // whose start is a line that the cut id would have
-    write_file("/po/de/c.po", entry(id, "at once") + lines.substr(0, 4095) + "msgstr \"lost\"");
-    EXPECT_EQ(gettext(lines.c_str()), lines.substr(0, 4095));
-    for (const char *translation : {"at once", id}) {
-      errno = 7;
-      EXPECT_STREQ(gettext(id), translation);
-      EXPECT_EQ(errno, 7);
-      remove("/po/de/c.po");
-    }
+    std::remove("/po/de/c.po");
+    errno = 7;
+    EXPECT_STREQ(gettext(id), id);
+    EXPECT_EQ(errno, 7);
   });
 }
 
 TEST(set_po_access_path, takes_the_first_word_of_the_first_line) {
-  on_device([languages = rows("languages")] {
-    for (const char *language : {"de", "fr"}) choose(language, entry("who", language));
-    write_file("/po/c.po", entry("who", "none")), write_file("/po/de/c", entry("who", "cut"));
-    for (const auto &row : languages) {  // the file, the result, the catalogue
-      write_file("/etc/lang", row[0]);
-      EXPECT_EQ(std::to_string(set_po_access_path("c", "/po")), row[1]) << row[0];
-      EXPECT_EQ(gettext("who"), row[2]) << row[0];
+  constexpr struct {
+    const char *file;
+    int result;
+    const char *catalogue;  // the one before if the language has none
+  } cases[] = {{"de\n", 0, "de"},        {"", -1, "de"},     {" de\n", 0, "none"}, {"\n", 0, "none"},
+               {"fr en\nde\n", 0, "fr"}, {"it\n", 0, "who"}, {"de", 0, "de"},      {"de\xa0", 0, "who"}};
+  on_device([&] {
+    for (const std::string language : {"de", "fr"}) write_file("/po/" + language + "/c.po", entry("who", language));
+    write_file("/po/c.po", entry("who", "none"));
+    write_file("/po/de/c", entry("who", "cut"));
+    for (const auto &each : cases) {
+      write_file("/etc/lang", each.file);
+      EXPECT_EQ(set_po_access_path("c", "/po"), each.result) << each.file;
+      EXPECT_STREQ(gettext("who"), each.catalogue) << each.file;
     }
     std::string folder = "//po";
     while (folder.size() + sizeof "/de/c" < 4096) folder += "/.";
+    write_file("/etc/lang", "de");
     EXPECT_EQ(set_po_access_path("c", folder.c_str()), 0);
-    remove("/etc/lang");
-    EXPECT_EQ(set_po_access_path("c", "/po"), -1);
     EXPECT_STREQ(gettext("who"), "cut");
   });
 }

@@ -4,34 +4,21 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <cstring>
-#include <sstream>
+#include <ctime>
 
-#include "support/test.h"
+#include "support/messages.h"
+#include "support/process.h"
 
 using namespace test;
 
-int print_message(nlmsghdr *message) { return std::printf("%d:%u ", message->nlmsg_type, message->nlmsg_len); }
-
-// The messages or attributes of a text: for each its type, its bytes, the length it claims, the word behind its header.
-template <class Make>
-std::string crafted(const std::string &row, Make make) {
-  std::istringstream numbers(row);
-  std::string bytes;
-  int64_t type = 0, size = 0, claimed = 0, word = 0;
-  while (numbers >> type >> size >> claimed >> word) {
-    const std::string payload = bytes_of(static_cast<int32_t>(word)) + std::string(size, '\0');
-    bytes += make(static_cast<uint16_t>(type), payload, claimed).substr(0, size);
-  }
-  return bytes;
-}
+static int print_message(nlmsghdr *message) { return std::printf("%d:%u ", message->nlmsg_type, message->nlmsg_len); }
 
 // A handle whose kernel is the other end of a socket pair; its wait is bounded.
-nl_handle handle_on(int (&ends)[2]) {
+static nl_handle handle_on(int (&ends)[2]) {
   EXPECT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends), 0);
 #ifndef __SANITIZE_ADDRESS__  // which takes the length of the sender's long address for what was written
   const sockaddr_un sender{AF_UNIX, {}};
-  EXPECT_TRUE(emulated || bind(ends[1], reinterpret_cast<const sockaddr *>(&sender), sizeof sender) == 0);
+  EXPECT_TRUE(is_emulated || bind(ends[1], reinterpret_cast<const sockaddr *>(&sender), sizeof sender) == 0);
 #endif
   const timeval wait{0, 20000};
   setsockopt(ends[0], SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
@@ -40,7 +27,7 @@ nl_handle handle_on(int (&ends)[2]) {
   return handle;
 }
 
-std::string receive(const std::vector<std::string> &datagrams, nl_callback callback) {
+static ending receive(const std::vector<std::string> &datagrams, nl_callback callback) {
   return run([&] {
     int ends[2];
     nl_handle handle = handle_on(ends);
@@ -52,24 +39,41 @@ std::string receive(const std::vector<std::string> &datagrams, nl_callback callb
 }
 
 TEST(netlink, what_it_makes_of_datagrams) {
-  for (const auto &row : rows("netlink")) {  // a name, what becomes of them, the datagrams
+  const std::string noop = message(NLMSG_NOOP, "");
+  const std::string full = message(20, std::string(static_cast<size_t>(getpagesize()) * 4 - 16, 'x'));
+  const std::string full_length = std::to_string(full.size());
+  const auto error = [](int32_t number, size_t size) {
+    return message(NLMSG_ERROR, (bytes_of(number) + std::string(16, '\0')).substr(0, size),
+                   static_cast<int>(16 + size));
+  };
+  const auto remains = [](int count) {
+    return "netlink packet remains " + std::to_string(count) + " bytes, not parsed.\n";
+  };
+  const struct {
+    const char *name;
     std::vector<std::string> datagrams;
-    for (size_t i = 4; i < row.size(); ++i) datagrams.push_back(crafted(row[i], message));
-    EXPECT_EQ(receive(datagrams, print_message), row[1] + "|" + row[2] + "|" + row[3]) << row[0];
-  }
-  const std::string noop = message(NLMSG_NOOP, ""), full = message(20, std::string(getpagesize() * 4 - 16, 'x'));
-  EXPECT_EQ(receive({full + noop, noop, done()}, print_message),
-            "20:" + std::to_string(full.size()) + " 1:16 end|truncated message ?\n|0");
-  EXPECT_EQ(receive({message(9, full), done()}, print_message), "end|truncated message ?\n|0");
-}
-
-TEST(netlink, a_callback_that_changes_the_length_cannot_lead_the_walk_astray) {
-  static uint32_t claimed;
-  for (const uint32_t length : {0U, 0xfffffff0U, 0xffffffffU, 0x80000000U}) {
-    claimed = length;
-    const auto change_length = [](nlmsghdr *message) { return std::printf("!"), message->nlmsg_len = claimed, 0; };
-    EXPECT_EQ(receive({message(1, "") + message(1, "")}, change_length).substr(0, 9), "!|netlink") << length;
-  }
+    ending end;
+  } cases[] = {
+      {"nothing before the timeout", {}, {"end", "", 0}},
+      {"a timeout in the middle", {noop}, {"1:16 end", "", 0}},
+      {"several", {noop + noop, message(4, "four"), done()}, {"1:16 1:16 4:20 end", "", 0}},
+      {"done before others", {done(), noop}, {"end", "", 0}},
+      {"shorter than a header", {noop.substr(0, 3)}, {"", remains(3), 1}},
+      {"bytes after the last", {noop + noop.substr(0, 8)}, {"1:16 ", remains(8), 1}},
+      {"no padding", {message(9, "xx").substr(0, 18)}, {"9:18 ", remains(-2), 1}},
+      {"claims less than a header", {message(9, "", 15)}, {"", remains(16), 1}},
+      {"claims nothing", {message(9, "", 0)}, {"", remains(16), 1}},
+      {"claims one byte too many", {message(9, "", 17)}, {"", remains(16), 1}},
+      {"claims everything", {noop + message(9, "", UINT32_MAX)}, {"1:16 ", remains(16), 1}},
+      {"an empty one", {""}, {"", "EOF on netlink, Resource temporarily unavailable\n", 1}},
+      {"an error cut short", {error(-1, 19)}, {"", "netlink error message truncated.\n", 1}},
+      {"an error", {noop + error(-1, 20)}, {"1:16 ", "netlink error (1), Operation not permitted\n", 1}},
+      {"the least", {error(INT32_MIN, 20)}, {"", "netlink error (-2147483648), Unknown error -2147483648\n", 1}},
+      {"an acknowledgement", {error(0, 20)}, {"", "netlink communication error ...\n", 1}},
+      {"too long", {full + noop, noop, done()}, {"20:" + full_length + " 1:16 end", "truncated message ?\n", 0}},
+      {"one message too long", {message(9, full), done()}, {"end", "truncated message ?\n", 0}},
+  };
+  for (const auto &each : cases) EXPECT_EQ(receive(each.datagrams, print_message), each.end) << each.name;
 }
 
 TEST(netlink, requests_have_twenty_bytes_and_the_next_sequence_number) {
@@ -80,7 +84,7 @@ TEST(netlink, requests_have_twenty_bytes_and_the_next_sequence_number) {
     EXPECT_EQ(nl_dump(&handle, RTM_GETADDR), 20);
     char received[32];
     ASSERT_EQ(recv(ends[1], received, sizeof received, 0), 20);
-    const nlmsghdr header{20, RTM_GETADDR, 0x301, sequence, static_cast<uint32_t>(getpid())};
+    const nlmsghdr header{20, RTM_GETADDR, NLM_F_REQUEST | NLM_F_DUMP, sequence, static_cast<uint32_t>(getpid())};
     EXPECT_EQ(std::string(received, 20), bytes_of(header) + std::string(4, '\0'));
     EXPECT_EQ(handle.dump, sequence);
   }
@@ -88,34 +92,52 @@ TEST(netlink, requests_have_twenty_bytes_and_the_next_sequence_number) {
 
 TEST(netlink, opening_fills_the_handle) {
   nl_handle handle;
-  memset(&handle, 0xff, sizeof handle);
-  const auto before = static_cast<uint32_t>(time(nullptr));
+  std::memset(&handle, 0xff, sizeof handle);
+  const auto before = static_cast<uint32_t>(std::time(nullptr));
   nl_open(&handle, NETLINK_ROUTE, RTMGRP_LINK);
-  EXPECT_EQ(listed(handle.local.nl_groups, handle.local.nl_pid != 0, handle.seq - before <= 1, handle.dump), "1 1 1 0");
-  EXPECT_EQ(bytes_of(handle.peer), std::string(12, '\0'));
-  for (const auto &[option, wanted] : {std::pair{SO_SNDBUF, 65536}, {SO_RCVBUF, 65536}, {SO_TYPE, int{SOCK_RAW}}}) {
-    int value = 0;  // the kernel doubles the buffers
+  EXPECT_LE(handle.seq - before, 1U);
+  EXPECT_EQ(listed(handle.local.nl_groups, handle.local.nl_pid != 0, handle.dump, handle.peer.nl_family), "1 1 0 0 ");
+  constexpr int options[][2] = {
+      {SO_SNDBUF, 65536}, {SO_RCVBUF, 65536}, {SO_TYPE, SOCK_RAW}};  // the kernel doubles sizes
+  for (const auto &[option, expected] : options) {
+    int value = 0;
     socklen_t size = sizeof value;
     getsockopt(handle.fd, SOL_SOCKET, option, &value, &size);
-    EXPECT_EQ(value, wanted) << option;
+    EXPECT_EQ(value, expected) << option;
   }
   nl_close(&handle);
   EXPECT_EQ(handle.fd, -1);
 }
 
-// Prints where in the block the attributes of types 0 to 2 are found, -1 for nowhere.
-void print_places(const std::string &bytes) {
-  const std::vector<char> block(bytes.begin(), bytes.end());  // the sanitizer watches its end
-  auto *first = reinterpret_cast<rtattr *>(const_cast<char *>(block.data()));
-  rtattr *table[3] = {first, first, first};
-  EXPECT_EQ(nl_parse_rtattr(table, 2, first, static_cast<int>(block.size())), 0);
-  for (const rtattr *found : table) {
-    std::printf("%d ", found == nullptr ? -1 : int(reinterpret_cast<const char *>(found) - block.data()));
-  }
-}
-
 TEST(attributes, the_walk_stays_inside_the_block) {
-  for (const auto &row : rows("attributes")) {  // a name, the places, the message, the block
-    EXPECT_EQ(run([&] { print_places(crafted(row[3], attribute)); }), row[1] + "|" + row[2] + "|0") << row[0];
+  const std::string empty = attribute(1, "");
+  const struct {
+    const char *name;
+    std::string block;
+    const char *offsets;  // of the attributes of types 0 to 2, or -1
+    const char *warning;
+  } cases[] = {
+      {"empty", "", "-1 -1 -1 ", ""},
+      {"in order", attribute(2, "") + attribute(1, "four"), "-1 4 0 ", ""},
+      {"the last of a type counts", attribute(1, "four") + attribute(1, "four"), "-1 8 -1 ", ""},
+      {"types beyond the table", attribute(3, "") + attribute(0x8001, "") + empty, "-1 8 -1 ", ""},
+      {"bytes after the last", empty + bytes_of(rtattr{1799, 7}).substr(0, 3), "-1 0 -1 ",
+       "!!!Deficit 3, rta_len=1799\n"},
+      {"claims less than a header", empty + attribute(2, "", 3), "-1 0 -1 ", "!!!Deficit 4, rta_len=3\n"},
+      {"claims too much", empty + attribute(2, "", 5), "-1 0 -1 ", "!!!Deficit 4, rta_len=5\n"},
+      {"no padding", attribute(2, "x").substr(0, 5), "-1 -1 0 ", "!!!Deficit -3, rta_len=0\n"},
+  };
+  for (const auto &each : cases) {
+    const ending end = run([&] {
+      std::vector<char> block(each.block.begin(), each.block.end());  // the sanitizer watches its end
+      auto *first = reinterpret_cast<rtattr *>(block.data());
+      rtattr *table[3] = {first, first, first};
+      EXPECT_EQ(nl_parse_rtattr(table, 2, first, static_cast<int>(block.size())), 0);
+      for (const rtattr *found : table) {
+        std::printf("%d ",
+                    found == nullptr ? -1 : static_cast<int>(reinterpret_cast<const char *>(found) - block.data()));
+      }
+    });
+    EXPECT_EQ(end, (ending{each.offsets, each.warning, 0})) << each.name;
   }
 }

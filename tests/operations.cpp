@@ -16,17 +16,27 @@
 #include <iostream>
 
 #include "store/record_table.h"
+#include "support/configuration.h"
 #include "support/driver.h"
+#include "support/log.h"
+#include "support/memory.h"
+#include "support/messages.h"
+#include "support/process.h"
 #include "tools/command.h"
 
 using namespace test;
 namespace tool = devfacts::tool;
 
-constexpr char file[] = "/var/cfg/.eeprom", flash[] = "/dev/mtdblock0";
+constexpr char store_file[] = "/var/cfg/.eeprom";
+constexpr char flash_device[] = "/dev/mtdblock0";
 
-static void say(const auto &...values) { ((std::cout << values << " "), ...) << "\n"; }
+// One line: the values, with a blank after each.
+static void say(const auto &...values) {
+  ((std::cout << values << " "), ...);
+  std::cout << "\n";
+}
 
-static auto with(std::vector<std::string> arguments) {
+static auto command(std::vector<std::string> arguments) {
   return [=]() mutable {
     std::vector<char *> pointers;
     for (std::string &each : arguments) pointers.push_back(each.data());
@@ -35,24 +45,89 @@ static auto with(std::vector<std::string> arguments) {
   };
 }
 
-// With a driver, and what this and the configuration store were asked.
-static auto driven(const std::function<void()> &ask) {
+// With a driver; prints what this and the configuration store were asked.
+static auto driven(const std::function<void()> &act) {
   return [=] {
     const driver device;
-    ask(), std::cout << device.log << asked();
+    act();
+    std::cout << device.log << asked();
   };
 }
 
-static void query_driver() {
-  int nth = 0;
-  for (const auto ask : {iw_ieee_name, iw_essid, iw_operation_mode, iw_freq_channel, iw_ap_addr, iw_current_bit_rate,
-                         iw_bitrates, iw_rssi, iw_encoding_flags, iw_txpower}) {
-    iw_status status;
-    std::memset(&status, 0x5a, sizeof status);
-    const int result = ask(&status, "radio0");
-    const std::string bytes = bytes_of(status);
-    say(++nth, result, "and changed bytes:", bytes.size() - std::count(bytes.begin(), bytes.end(), 0x5a));
+static void set_flags() {
+  int ends[2];  // of a pipe, which can have any flag
+  if (pipe(ends) != 0) return;
+  const int fd = ends[1];
+  fcntl(fd, F_SETFL, O_APPEND);
+  const int before = fcntl(fd, F_GETFL);
+  for (const auto set : {set_coe, set_nio, set_bio}) {
+    const int result = set(fd);
+    const int changed = fcntl(fd, F_GETFL) ^ before;
+    say(result, fcntl(fd, F_GETFD), changed == O_NONBLOCK ? "non-blocking" : changed == 0 ? "as before" : "other");
   }
+  close(ends[0]);
+  close(ends[1]);
+}
+
+static void use_control_socket() {
+  for (int i = 0; i < 2; ++i) say(ioctl_socket());
+  ioctl_close();
+  say(open("/f", O_RDONLY));
+  ioctl_close();
+  const int fd = ioctl_socket();
+  say(fd > 0, fcntl(STDIN_FILENO, F_GETFD));
+}
+
+static void copy_payloads() {
+  const std::string text = attribute(1, "ab");
+  const std::vector<char> block(text.begin(), text.begin() + 6);  // the sanitizer watches its end
+  const auto *payload = reinterpret_cast<const rtattr *>(block.data());
+  char bytes[3] = "??";
+  const void *copied = nla_memcpy(bytes, payload, 2);
+  say(nla_data(payload) == block.data() + 4, copied == bytes, bytes, nla_length(payload));
+  say(nla_get_u32(payload) == (is_big_endian ? 0x61620000U : 0x6261U));
+  first_match_string slot{};
+  __return_first_match_in_string(&slot, nullptr, bytes);
+  void *copy = nla_memdup(payload);
+  say(shown(copy, 2));
+  test_free(copy);
+  for (char *each : {nla_strdup(payload), escape_xml("<", nullptr), slot.value}) {
+    say(text_or_none(each));
+    test_free(each);
+  }
+  for (const uint16_t claimed : {4, 3, 0}) {
+    const rtattr empty{claimed, 1};
+    say(nla_memdup(&empty) == nullptr, nla_length(&empty));
+  }
+}
+
+static void collect_values() {
+  keyval_list list{reinterpret_cast<keyval_entry *>(8), 77};
+  keyvalue("/missing", nullptr, &list);
+  keyval_destroy(&list);
+  say(list.count, list.rows == reinterpret_cast<keyval_entry *>(8));
+  keyvalue("/f", nullptr, nullptr);
+  keyvalue("/f", "a", &list);
+  for (int i = 0; i < list.count; ++i) say(list.rows[i].value, list.rows[i].length);
+  keyval_destroy(nullptr);
+  for (int i = 0; i < 2; ++i) keyval_destroy(&list);
+  say(list.count, list.rows == nullptr);
+}
+
+static void answer_dumps() {
+  write_file("/proc/sys/net/ra<1/%parent", "lo");
+  const std::string addresses = attribute(IFA_ADDRESS, "abcd") + attribute(IFA_BROADCAST, "efgh");
+  const std::string links =
+      full_link() + link(8, 0, attribute(IFLA_IFNAME, "ra<1")) + link(9, 0, attribute(IFLA_IFNAME, "ra2"));
+  receive_instead({links, done(), address(7, AF_INET, addresses), done()});
+}
+
+// As a program may that walks over the kernel's messages itself.
+static void collect_alone() {
+  std::string message = link(9, 0, attribute(IFLA_IFNAME, "ra<1"));
+  nl_collect_interface(reinterpret_cast<nlmsghdr *>(message.data()));
+  say(ifi_find_by_index(9)->master);
+  ifi_free_all();
 }
 
 static void ask_about_link() {
@@ -60,95 +135,27 @@ static void ask_about_link() {
   const int result = eth_info(&status, "eth0");
   say(result, status.speed, +status.duplex, +status.link, status.supported, shown(status.perm_addr, 6));
   const int read = eth_perm_addr(status.perm_addr, "eth0");
-  say(read, shown(status.perm_addr, 6)), say(eth_capable("eth0")), say(eth_capable("eth1"));
-}
-
-static void answer_dumps() {
-  const std::string addresses = attribute(IFA_ADDRESS, "abcd") + attribute(IFA_BROADCAST, "efgh");
-  receive_instead({full_link + link(8, 0, attribute(IFLA_IFNAME, "ra<1")) + link(9, 0, attribute(IFLA_IFNAME, "ra2")),
-                   done(), address(7, AF_INET, addresses), done()});
-}
-
-// As a program may that walks over the kernel's messages itself.
-static void collect_alone() {
-  std::string message = link(9, 0, attribute(IFLA_IFNAME, "ra<1"));
-  nl_collect_interface(reinterpret_cast<nlmsghdr *>(message.data()));
-  say(ifi_find_by_index(9)->master), ifi_free_all();
-}
-
-static void set_flags() {
-  int ends[2];  // of a pipe, which can have any flag
-  pipe(ends), fcntl(ends[1], F_SETFL, O_APPEND);
-  const int fd = ends[1], before = fcntl(fd, F_GETFL);
-  for (const auto set : {set_coe, set_nio, set_bio}) {
-    const int result = set(fd), changed = fcntl(fd, F_GETFL) ^ before;
-    say(result, fcntl(fd, F_GETFD), changed == O_NONBLOCK ? "non-blocking" : changed == 0 ? "as before" : "other");
-  }
-  close(ends[0]), close(ends[1]);
-}
-
-static void use_control_socket() {
-  for (int i = 0; i < 2; ++i) say(ioctl_socket());
-  ioctl_close(), say(open("/f", O_RDONLY));
-  ioctl_close(), say(ioctl_socket() > 0, fcntl(STDIN_FILENO, F_GETFD));
-}
-
-static void copy_payloads() {
-  const std::string text = attribute(1, "ab");
-  const std::vector<char> room(text.begin(), text.begin() + 6);  // the sanitizer watches its end
-  const auto *payload = reinterpret_cast<const rtattr *>(room.data());
-  char bytes[3] = "??";
-  say(nla_data(payload) == room.data() + 4, nla_memcpy(bytes, payload, 2) == bytes, bytes, nla_length(payload));
-  say(nla_get_u32(payload) == (big_endian ? 0x61620000U : 0x6261U));
-  first_match_string slot{};
-  __return_first_match_in_string(&slot, nullptr, bytes);
-  void *copy = nla_memdup(payload);
-  say(shown(copy, 2)), test_free(copy);
-  for (char *each : {nla_strdup(payload), escape_xml("<", nullptr), slot.value})
-    say(each == nullptr ? "-" : each), test_free(each);
-  for (const uint16_t claimed : {4, 3, 0}) {
-    const rtattr empty{claimed, 1};
-    say(nla_memdup(&empty) == nullptr, nla_length(&empty));
-  }
+  say(read, shown(status.perm_addr, 6));
+  say(eth_capable("eth0"));
+  say(eth_capable("eth1"));
 }
 
 static void load_capabilities() {
   say(product_caps_get() == &product_caps);
   if (product_caps.radio_count == 0) return;
-  const auto &[text, number, truth] =
-      std::tie(product_caps.name, product_caps.radios->antenna_gain, product_caps.radios->ignore_crr);
-  say(listed(product_caps.loaded, text.present, number.present, truth.present, truth.value));
+  const caps_radio &radio = *product_caps.radios;
+  say(listed(product_caps.loaded, product_caps.name.present, radio.antenna_gain.present, radio.ignore_crr.present,
+             radio.ignore_crr.value));
 }
 
-static void replace_record() {
-  const void *payload = nullptr;
-  uint32_t count = 0;
-  for (const char *each : {"old", "new"}) {
-    say(eeprom_update(5, each, 4)), eeprom_get(5, &payload, &count);
-    say(shown(payload, 4), count, devfacts::eeprom_table.capacity);
-  }
-  const devfacts::record_table forgotten = devfacts::eeprom_table;
-  say(eeprom_init()), say(devfacts::eeprom_table.capacity, live_blocks());
-  if (forgotten.slots != nullptr) test_free(forgotten.slots[5]), test_free(forgotten.slots);
-}
-
-static void collect_values() {
-  keyval_list list{reinterpret_cast<keyval_entry *>(8), 77};
-  keyvalue("/missing", nullptr, &list), keyval_destroy(&list);
-  say(list.count, list.rows == reinterpret_cast<keyval_entry *>(8));
-  keyvalue("/f", "a", &list), keyvalue("/f", nullptr, nullptr);
-  for (int i = 0; i < list.count; ++i) say(list.rows[i].value, list.rows[i].length);
-  for (int i = 0; i < 2; ++i) keyval_destroy(&list), keyval_destroy(nullptr);
-  say(list.count, list.rows == nullptr);
-}
-
-// What a file gives that is written over and over, with the configuration store's part in it.
+// What a file returns that is written over and over, with the configuration store's part in it.
 static auto answers_of(const char *path, auto open, auto close, auto context, auto get) {
   const auto ask = [=](const char *file, const char *key) {
     write_file(path, file);
     const int opened = open();
-    const char *value = get(key);
-    std::cout << asked(), say(opened, value == nullptr ? "(none)" : value, context() == nullptr ? "closed" : "open");
+    const std::string value = text_or_none(get(key));
+    std::cout << asked();
+    say(opened, value, context() == nullptr ? "closed" : "open");
   };
   return [=] {
     ask("no entry\n", "a.b");
@@ -159,66 +166,92 @@ static auto answers_of(const char *path, auto open, auto close, auto context, au
 }
 
 static void receive(int fd) {
+  if (fd < 0) return;
   fd_set set;
   FD_ZERO(&set);
-  if (fd >= 0) FD_SET(fd, &set);
-  if (fd >= 0) socket_read(fd, &set, [](const void *bytes, uint32_t length) { return say(shown(bytes, length)), 0; });
+  FD_SET(fd, &set);
+  const auto print = [](const void *bytes, uint32_t length) {
+    say("received:", shown(bytes, length));
+    return 0;
+  };
+  socket_read(fd, &set, print);
+  std::cout << logged();
+}
+
+static void send(const std::string &text, const char *path) {
+  say("sent", socket_write(text.data(), static_cast<uint32_t>(text.size()), path));
   std::cout << logged();
 }
 
 // To a receiver that is there, that is gone, and that is back.
 static void send_and_receive() {
-  const auto send = [](const std::string &text, const char *path) {
-    say("sent", socket_write(text.data(), static_cast<uint32_t>(text.size()), path));
-  };
-  say("sent", socket_write(nullptr, 1, "/s"), socket_write("", 0, "/s")), receive(-1);
-  for (const char *text : {"first", "second", "last"}) {
-    const int fd = socket_input_init("/s");
-    send(text, "/s"), send("to the same", "/none");
-    for (int i = 0; i < 2; ++i) say("received:"), receive(fd);
-    socket_input_shutdown(fd, "/s");
-    if (text == std::string("last")) break;  // the connection stays
-    for (const char *path : {"/s", "/none"}) send("lost", path), receive(-1);
+  say("sent", socket_write(nullptr, 1, "/s"));
+  send("", "/s");
+  int fd = socket_input_init("/s");
+  send("first", "/s");
+  send("to the same", "/none");
+  receive(fd);
+  receive(fd);
+  socket_input_shutdown(fd, "/s");
+  for (const char *path : {"/s", "/none"}) send("lost", path);
+  fd = socket_input_init("/s");
+  send("last", "/s");  // this connection stays
+  socket_input_shutdown(fd, "/s");
+}
+
+static void replace_record() {
+  const void *payload = nullptr;
+  uint32_t count = 0;
+  for (const char *each : {"old", "new"}) {
+    say(eeprom_update(5, each, 4));
+    eeprom_get(5, &payload, &count);
+    say(shown(payload, 4), count, devfacts::eeprom_table.capacity);
   }
+  const devfacts::record_table forgotten = devfacts::eeprom_table;
+  say(eeprom_init());
+  say(devfacts::eeprom_table.capacity, live_blocks());
+  if (forgotten.slots == nullptr) return;
+  test_free(forgotten.slots[5]);
+  test_free(forgotten.slots);
 }
 
-// The store, with its image at this place behind a hole: the only partition if that is there, or else a file.
-static auto stored_in(const std::string &path, off_t place) {
+// The store, with its image at this offset after a hole: the only partition if that is there, or else a file.
+static auto stored_in(const std::string &path, off_t offset) {
   return [=] {
-    std::remove(flash), write_file(path, std::string(65536, '\0'));
-    for (const int id : {1, 2, 90}) eeprom_update(id, "old", 3);
-    eeprom_write(), eeprom_free();
-    const std::string image = data(path).substr(4096, 1000);
-    write_file(path, ""), chmod(path.c_str(), 0600);
-    std::ofstream(path, std::ios::in | std::ios::binary).seekp(place) << image;
+    std::remove(flash_device);
+    write_file(path, std::string(65536, '\0'));
+    for (const int id : {1, 90}) eeprom_update(id, "old", 3);
+    eeprom_write();
+    eeprom_free();
+    const std::string image = read_file(path).substr(4096, 1000);
+    write_file(path, "");
+    chmod(path.c_str(), 0600);
+    std::ofstream(path, std::ios::in | std::ios::binary).seekp(offset) << image;
   };
 }
 
-const auto ask_description =
-    answers_of("/etc/product", prod_spec_open, prod_spec_close, prod_spec_get_ctx, prod_spec_get);
 const auto ask_settings = answers_of("/tmp/system.cfg", sysconf_open, sysconf_close, sysconf_get_ctx, sysconf_get);
-const auto print_records = with({"records"}), set_record = with({"records", "set", "1", "6e6577", "--write"});
+const auto describe_radios = [] { write_file("/etc/product", read_file("/radios")); };
+const auto print_records = command({"records"});
+const auto import_records = command({"records", "import", store_file, "--write"});
+const auto set_record = command({"records", "set", "1", "6e6577", "--write"});
 
 const std::vector<operation> test::operations = {
     {"flags", {}, set_flags, {}},
     {"control", {}, use_control_socket, {}},
     {"copies", {}, copy_payloads, {}},
     {"values", {}, collect_values, {}},
-    {"interfaces", answer_dumps, with({"net"}), collect_alone},
-    {"queries", {}, driven(query_driver), {}},
-    {"wireless", [] { write_file("/etc/product", data("/radios")); }, driven(with({"wireless", "radio0"})), {}},
-    {"peers", {}, with({"peers"}), {}},
+    {"interfaces", answer_dumps, command({"net"}), collect_alone},
+    {"wireless", describe_radios, driven(command({"wireless", "radio0"})), {}},
+    {"peers", {}, command({"peers"}), {}},
     {"link", {}, driven(ask_about_link), {}},
-    {"capabilities", {}, load_capabilities, driven(with({"product"}))},
-    {"identity", {}, ask_description, [] { say(product_name(), product_manufacturer(), ""); }},
+    {"capabilities", {}, load_capabilities, command({"product"})},
     {"configuration", {}, ask_settings, {}},
     {"messages", {}, send_and_receive, {}},
-    {"messages_over_many", use_up_descriptors, send_and_receive, {}},
+    {"messages_over_many", use_up_descriptors, send_and_receive, {}, "messages"},
     {"table", {}, replace_record, {}},
-    {"records_in_a_file", stored_in(file, 4096), print_records, {}},
-    {"records_from_a_file", stored_in(file, 0), with({"records", "import", file, "--write"}), print_records},
-    {"records_into_a_file", stored_in(file, 4096), set_record, print_records},
-    {"records_into_a_hole", stored_in(file, 16384), set_record, print_records},
-    {"records_into_flash", stored_in(flash, 4096), set_record, print_records},
-    {"text", {}, with({"translate", "/po", "c", "plain"}), {}},
+    {"records_from_a_file", stored_in(store_file, 0), import_records, print_records},
+    {"records_into_a_hole", stored_in(store_file, 16384), set_record, print_records},
+    {"records_into_flash", stored_in(flash_device, 4096), set_record, print_records},
+    {"text", {}, command({"translate", "/po", "c", "plain"}), {}},
 };

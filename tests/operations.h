@@ -10,13 +10,13 @@ namespace test {
 struct operation {
   const char *name;
   std::function<void()> prepare;  // what it needs to find
-  std::function<void()> ask;      // what counts
-  std::function<void()> rest;     // a look at what it has left
+  std::function<void()> act;      // each of its calls fails in turn
+  std::function<void()> look;     // at what it has left
+  const char *twin = nullptr;     // the operation whose expected output this one must produce, too
 };
+inline void PrintTo(const operation &operation, std::ostream *stream) { *stream << operation.name; }
 
-inline void PrintTo(const operation &operation, std::ostream *out) { *out << operation.name; }
-
-// On the device of data/device, with the description in /product, another one in /radios, and data/peers.
+// They run on a device with the files of tests/data/device.
 extern const std::vector<operation> operations;
 
 }  // namespace test

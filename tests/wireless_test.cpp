@@ -1,118 +1,176 @@
 #include <devfacts/core.h>
+#include <devfacts/ethernet.h>
 #include <devfacts/product.h>
+#include <devfacts/wireless.h>
 #include <unistd.h>
 
-#include <cstring>
-
+#include "support/configuration.h"
 #include "support/driver.h"
-#include "tools/command.h"
+#include "support/faults.h"
+#include "support/memory.h"
+#include "support/process.h"
 
 using namespace test;
 
 TEST(wireless, records_are_cleared_before_they_are_filled) {
-  const driver device;
-  iw_status status, clean{};
-  std::memset(&status, 0x5a, sizeof status);
-  for (iw_status *each : {&status, &clean}) EXPECT_EQ(iw_info(each, "radio0"), 0);
-  EXPECT_EQ(bytes_of(status), bytes_of(clean));
+  driver device;
   iw_range_record range;
   std::memset(&range, 0x5a, sizeof range);
   fail("ioctl", 1, EPERM);
   EXPECT_EQ(get_range_info("radio0", &range), -1);
   EXPECT_EQ(bytes_of(range), std::string(sizeof range, 0x5a));
-  drive([](unsigned long, void *) { return 0; });  // and writes nothing
-  EXPECT_EQ(get_range_info("radio0", &range) + iw_ieee_name(&status, "radio0"), 0);
-  EXPECT_EQ(bytes_of(range) + bytes_of(status.ieee_name), std::string(sizeof range + sizeof status.ieee_name, 0));
+  device.answers_nothing = true;
+  EXPECT_EQ(get_range_info("radio0", &range), 0);
+  EXPECT_EQ(bytes_of(range), std::string(sizeof range, 0));
 }
 
-TEST(wireless, names_reach_the_driver_whole_or_cut_and_a_word_with_the_private_request) {
+TEST(wireless, names_reach_the_driver_cut_and_a_word_with_the_private_request) {
   const driver device;
   const int control = ioctl_socket();
-  uint32_t room[512]{};
-  for (const auto &row : rows("names")) EXPECT_EQ(iw_capable(row[0].c_str()), 1);
-  EXPECT_EQ(iw_get_channels("r", 0x12345678, room), 0);
-  EXPECT_EQ(bytes_of(room), bytes_of(0x12345678) + std::string(2044, big_endian ? 0x12 : 0x78));
-  EXPECT_EQ(device.log, data("names.asked"));
+  uint32_t buffer[512]{};
+  for (const char *name : {"", "radio0123456789", "radio0123456789 and more"}) EXPECT_EQ(iw_capable(name), 1);
+  EXPECT_EQ(iw_get_channels("r", 0x12345678, buffer), 0);
+  EXPECT_EQ(bytes_of(buffer), bytes_of(0x12345678) + std::string(2044, is_big_endian ? 0x12 : 0x78));
+  EXPECT_EQ(device.log, "8b01  0 0\n8b01 radio0123456789 0 0\n8b01 radio0123456789  0 0\n8bed r 2048 0\n");
   fail("ioctl", 1, EPERM);
-  EXPECT_EQ(iw_get_channels("r", 0x12345678, room), -1);
+  EXPECT_EQ(iw_get_channels("r", 0x12345678, buffer), -1);
   EXPECT_EQ(close(control), 0) << "the control socket was closed";
 }
 
 TEST(wireless, answers_of_any_size_stay_inside_their_fields) {
-  for (const auto &row : rows("ranges")) {  // mantissa, exponent, frequencies, rates, a name's length; what they give
+  constexpr struct {
+    int mantissa, exponent, frequencies, rates, essid_length;
+    const char *status;  // channel, first and last rate, frequency
+    const char *texts;   // the length of the name, as told and of its text, flags, power
+  } cases[] = {
+      {2412, 6, 255, 31, 0, "1001 1500000 -1 2412000000.000000 ", "0 0 129 0 "},
+      {2412, 6, 1, 32, 62, "-1 1500000 48000000 2412000000.000000 ", "62 62 129 0 "},
+      {2407, 6, 1, 255, 63, "1000 1500000 48000000 2407000000.000000 ", "63 63 129 0 "},
+      {367700, 4, 255, 0, 64, "1254 -1 -1 3677000000.000000 ", "64 63 129 0 "},
+      {3677, 6, 254, 33, 65535, "-1 1500000 48000000 3677000000.000000 ", "65535 63 129 0 "},
+      {24120, -1, 255, 0, 5, "77 -1 -1 2412.000000 ", "5 5 129 0 "},
+      {2412, 32767, 255, 0, 5, "-1 -1 -1 inf ", "5 5 129 0 "},
+  };
+  for (const auto &each : cases) {
     driver device;
-    device.essid_length = std::stoi(row[4]), device.disabled = 0x80;
-    device.frequency = {std::stoi(row[0]), static_cast<int16_t>(std::stoi(row[1])), 0, 0};
-    device.range.num_frequency = std::stoi(row[2]), device.range.num_bitrates = std::stoi(row[3]);
-    device.range.freq[7] = {2412, 0, {}, 77, {}}, device.range.freq[8] = {24120, -1, {}, 78, {}};
+    device.essid_length = static_cast<uint16_t>(each.essid_length);
+    device.txpower_disabled = 0x80;
+    device.frequency = {each.mantissa, static_cast<int16_t>(each.exponent), 0, 0};
+    device.range.num_frequency = static_cast<uint8_t>(each.frequencies);
+    device.range.num_bitrates = static_cast<uint8_t>(each.rates);
+    device.range.freq[7] = {2412, 0, {}, 77, {}};
+    device.range.freq[8] = {24120, -1, {}, 78, {}};
     iw_status s;
     std::memset(&s, -1, sizeof s);
-    for (const auto ask : {iw_freq_channel, iw_bitrates, iw_essid, iw_txpower}) EXPECT_EQ(ask(&s, "r"), 0);
-    EXPECT_EQ(listed(s.channel, s.bit_rates[0], s.bit_rates[31], s.frequency), row[5]);
-    EXPECT_EQ(listed(s.essid_length, strnlen(s.essid, 64), s.essid_flags, s.txpower), row[6]);
+    for (const auto query : {iw_freq_channel, iw_bitrates, iw_essid, iw_txpower}) EXPECT_EQ(query(&s, "r"), 0);
+    EXPECT_EQ(listed(s.channel, s.bit_rates[0], s.bit_rates[31], s.frequency), each.status);
+    EXPECT_EQ(listed(s.essid_length, strnlen(s.essid, 64), s.essid_flags, s.txpower), each.texts);
   }
   const char odd[] = "x\xff\xff\xff\xff\0\3";  // at an odd address
-  EXPECT_EQ(listed(iw_freq2double(odd + 1)), big_endian ? "-1000.000000" : "-inf");
+  EXPECT_EQ(listed(iw_freq2double(odd + 1)), is_big_endian ? "-1000.000000 " : "-inf ");
 }
 
 TEST(wireless, words) {
-  std::string seen;
-  const auto add = [&](const char *word) { seen += word == nullptr ? "-\n" : word + std::string("\n"); };
-  for (const uint32_t mode : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, UINT32_MAX}) add(iw_operation_mode2str(mode));
-  for (const uint32_t flags : {0xE000, 0x6000, 0x2000, 0x1fff, 0x10000}) add(iw_security_mode2str(flags));
-  iw_status status{};
-  for (const int32_t rate : {0, 1500000, 3000000, 6000000}) status.bit_rates[0] = rate, add(iw_bandwidth2str(&status));
-  for (const char *name : {"802.11t", "802.11T"}) std::strcpy(status.ieee_name, name), add(iw_bandwidth2str(&status));
-  EXPECT_EQ(seen, data("modes"));
+  std::string words;
+  for (const uint32_t mode : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, UINT32_MAX})
+    words += text_or_none(iw_operation_mode2str(mode)) + " ";
+  EXPECT_EQ(words, "Auto Ad-Hoc Managed Master Repeater Secondary Monitor (none) (none) ");
+  words.clear();
+  for (const uint32_t flags : {0xE000, 0x6000, 0x2000, 0x1fff, 0x10000})
+    words += text_or_none(iw_security_mode2str(flags)) + " ";
+  EXPECT_EQ(words, "off restricted open (none) (none) ");
+  words.clear();
+  for (const int32_t rate : {0, 1500000, 3000000, 6000000}) {
+    iw_status status{};
+    status.bit_rates[0] = rate;
+    words += iw_bandwidth2str(&status) + std::string(" ");
+    std::strcpy(status.ieee_name, rate == 0 ? "802.11T" : "802.11t");
+    words += iw_bandwidth2str(&status) + std::string(" ");
+  }
+  EXPECT_EQ(words, "full turbo quarter quarter half half full full ");
 }
 
 TEST(counters, files_of_all_kinds) {
-  on_device([table = rows("counters"), others = rows("counters.others")] {
-    for (const auto &row : others) write_file(row[0], row[1]);
-    const std::string cut = std::string("r").append(4077, '/');  // leaves room for all but the last letter
+  constexpr struct {
+    const char *file;
+    const char *packets, *states;  // the result, the numbers; 7 is what was there before
+  } cases[] = {
+      {"Packets: 12\nPackets: 99", "0 12 ", "-1 7 7 7 7 7 "},
+      {"Packets: x\nPackets: 1", "-1 7 ", "-1 7 7 7 7 7 "},
+      {"Packets: 4294967296", "-1 7 ", "-1 7 7 7 7 7 "},
+      {"Packetsize=5", "0 5 ", "-1 7 7 7 7 7 "},
+      {"INIT: 1 msecs SCAN: 2 msecs AUTH: 3 msecs ASSOC: 4 msecs RUN: 5", "-1 7 ", "0 1 2 3 4 5 "},
+      {"INIT: 1 msecs\nSCAN: 2 msecs\nASSOC: 4 msecs\n", "-1 7 ", "-1 1 2 7 7 7 "},
+      {" INIT:1 seconds", "-1 7 ", "-1 1 7 7 7 7 "},
+  };
+  on_device([&] {
+    const std::string cut = std::string("r").append(4077, '/');  // all but the last letter of the path fits
+    write_file("/proc/net/r/rxstat", "Packets: 1");
+    write_file("/proc/net/(null)/rxstats", "Packets: 1");
     iw_status s{};
     for (const char *name : {static_cast<const char *>(nullptr), "none", cut.c_str()})
-      EXPECT_EQ(iw_rx_total(&s, name) + iw_read_states(&s), -2);
-    s.ifname = "r";
-    for (const auto &row : table) {
-      write_file("/proc/net/r/rxstats", row[0]), write_file("/proc/net/madwifi/r/state_cnt", row[0]);
+      EXPECT_EQ(iw_rx_total(&s, name), -1);
+    for (const auto &each : cases) {
+      write_file("/proc/net/r/rxstats", each.file);
+      write_file("/proc/net/madwifi/r/state_cnt", each.file);
+      s.ifname = "r";
       s.rx_total = s.state_init = s.state_scan = s.state_auth = s.state_assoc = s.state_run = 7;
-      EXPECT_EQ(listed(iw_rx_total(&s, "r"), s.rx_total, iw_read_states(&s)), row[1]) << row[0];
-      EXPECT_EQ(listed(s.state_init, s.state_scan, s.state_auth, s.state_assoc, s.state_run), row[2]) << row[0];
+      const int total = iw_rx_total(&s, "r");
+      const int states = iw_read_states(&s);
+      EXPECT_EQ(listed(total, s.rx_total), each.packets) << each.file;
+      EXPECT_EQ(listed(states, s.state_init, s.state_scan, s.state_auth, s.state_assoc, s.state_run), each.states);
     }
   });
 }
 
-// The table itself is among the operations whose calls fail in turn.
-TEST(peers, names_are_whole_and_lists_are_freed) {
-  on_device([file = data("peers")] {
-    const std::string whole = std::string("ra0").append(236, '/'), cut = whole + "/";  // by its last letter
-    write_file("/proc/net/ra0/peers", file), write_file("/proc/net/ra0/peer", file);
-    iw_peers_list list{};
-    for (const char *each : {static_cast<const char *>(nullptr), whole.c_str(), cut.c_str()}) iw_peers(&list, each);
-    EXPECT_EQ(list.count, 6U);
-    for (int i = 0; i < 2; ++i) iw_peers_free(&list), iw_peers_free(nullptr);
-    EXPECT_TRUE(list.count == 0 && list.rows == nullptr && live_blocks() == 0);
-    write_file("/proc/net/ra0/peers", "State\nPeer MAC address\nPeer MAC address of none:");
-    EXPECT_EQ(iw_link_established(), 1);
-  });
-}
-
+// The table itself is among the operations of the sweep.
 TEST(limits, the_first_call_settles_them) {
-  for (const auto &row : rows("limits")) {  // the product file if it is another one, the name, the limits
-    on_device([&, has_radios = row[0].empty(), radios = data("radios")] {
-      write_file("/etc/product", has_radios ? radios : row[0]);
+  constexpr struct {
+    const char *name, *limits;
+  } cases[] = {
+      {"radio0", "1 -3 1 20 0 0 0 2147483647 CCK &lt; 2.4GHz"},
+      {"bare", "0 0 0 0 0 0 0 0 OFDM 5GHz"},
+      {"a-very-long-name", "1 1 0 0 0 0 0 0 OFDM 5GHz"},
+      {"a-very-long-name1", "0 0 0 0 0 0 0 0 OFDM 5GHz"},
+      {nullptr, "0 0 0 0 0 0 0 0 OFDM 5GHz"},  // without a description
+  };
+  for (const auto &each : cases) {
+    on_device([&, radios = read_file("device/radios")] {
+      write_file("/etc/product", each.name == nullptr ? "damaged" : radios);
       iw_radio_limits_t l;
-      EXPECT_EQ(iw_radio_limits(&l, row[1].c_str()), 0);
-      EXPECT_EQ(asked().find("free iterator") != std::string::npos, has_radios) << row[1];
+      EXPECT_EQ(iw_radio_limits(&l, each.name == nullptr ? "radio0" : each.name), 0);
       prod_spec_close();
       write_file("/etc/product", "radio.0.master=bare\nradio.0.ieee-band=x");
+      asked();
       EXPECT_EQ(iw_radio_limits(&l, "bare"), 0);
-      EXPECT_EQ(asked(), has_radios ? "destroy\n" : "");
+      EXPECT_EQ(asked(), "");
       std::string seen;
       for (const auto &limit : {l.antenna_gain, l.txpower_offset, l.min_txpower, l.frequency_offset})
-        seen += listed(limit.present, limit.value) + " ";
-      EXPECT_EQ(seen + l.allowed_modulations + " " + l.ieee_band, row[2]) << row[1];
+        seen += listed(limit.present, limit.value);
+      EXPECT_EQ(seen + l.allowed_modulations + " " + l.ieee_band, each.limits);
     });
+  }
+}
+
+// A word is cut to the buffer, which it fills up with zeros.
+TEST(ethernet, words_fit_into_buffers_of_any_size) {
+  const struct {
+    decltype(&eth_duplex2str) convert;
+    std::string words[2];
+  } cases[] = {{eth_duplex2str, {"half", "full"}}, {eth_link2str, {"no", "yes"}}};
+  for (const auto &each : cases) {
+    for (const int size : {-1, 0, 1, 3, 4, 7}) {
+      for (const uint8_t value : {0, 1, 2}) {
+        const bool has_word = value < 2 && size > 0;
+        std::string expected = has_word ? each.words[value].substr(0, static_cast<size_t>(size) - 1) : "";
+        expected.resize(has_word ? static_cast<size_t>(size) : 0, '.');
+        expected.resize(7, '?');
+        char buffer[] = "???????";
+        eth_status status{};
+        status.duplex = status.link = value;
+        EXPECT_EQ(each.convert(&status, buffer, size), has_word ? buffer : nullptr);
+        EXPECT_EQ(shown(buffer, 7), expected);
+      }
+    }
   }
 }

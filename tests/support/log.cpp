@@ -1,16 +1,14 @@
-#include "platform/log.h"
+#include "log.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <utility>
 
-#include "test.h"
-
 static std::string messages;
 
-// The library's undefined name x is test_x here. A message has one value in it at most, a text.
+// The library's call of NAME is test_NAME. A message has at most one value, a text.
 extern "C" {
-
 void test_log_message(int level, const char *format, const char *value) {
   char text[300];
   std::snprintf(text, sizeof text, format, value);

@@ -2,8 +2,8 @@
  * Fatal exit, descriptor flags, the control socket, text, XML items, and files of "key: value" lines.
  *
  * Only the control socket is kept between calls; all other functions here may run in several threads at once.
- * Standard input, output and error must be open before the first call of the library: otherwise a file that it opens
- * can become descriptor 2, and messages are written into it.
+ * Standard input, output and error must be open before the first call of the library: otherwise a descriptor of the
+ * library takes their place, and what the process prints goes into it.
  * @{ */
 #ifndef DEVFACTS_CORE_H
 #define DEVFACTS_CORE_H

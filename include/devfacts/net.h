@@ -6,8 +6,8 @@
  * Collections and the client fail through die(), which ends the process with status 1, and they wait for the kernel
  * without a limit. A program that must not end collects in a child process (examples/statusd.c). One that must not wait
  * sets SO_RCVTIMEO on a handle of its own, then calls nl_dump() and nl_recv() (examples/monitor.c). Messages are
- * trusted: a process with CAP_NET_ADMIN can send false ones, which add interfaces that do not exist, hold a collection
- * in opening a pipe by such a name, or end the process (docs/trust.md).
+ * trusted: a process with CAP_NET_ADMIN can send false ones, which add interfaces that do not exist, block a collection
+ * for ever by a name that leads to a pipe, or end the process (docs/trust.md).
  * @{ */
 #ifndef DEVFACTS_NET_H
 #define DEVFACTS_NET_H
@@ -68,7 +68,7 @@ typedef struct ipi_entry {
   uint8_t *broadcast; /**< the broadcast address (IFA_BROADCAST); null if absent or without memory */
 } ipi_entry;
 
-/** The list: the head of ::ifi_entry records in the kernel's order; empty until it is filled. */
+/** The list of interfaces: the head of ::ifi_entry records in the kernel's order, empty until it is filled. */
 DEVFACTS_API extern list_link interfaces;
 
 /** Walks ::interfaces. To release an interface, get the next one first.

@@ -44,8 +44,8 @@ typedef int (*eeprom_callback)(const eeprom_record *record);
 DEVFACTS_API int eeprom_update(int32_t id, const void *data, uint32_t size);
 
 /** Returns a record's payload and counts its elements.
- * An element has 1 byte in the records 1 to 4, 6, 11, 17 to 20, 25 and 30 to 34; 2 bytes in 15; 4 in 5, 9, 10, 12 to 14
- * and 16; 6 in 28 and 29; 8 in 7 and 8; 12 in 26 and 27. In 0, 21 to 24 and 35 nothing is counted.
+ * An element has 1 byte in records with the ids 1 to 4, 6, 11, 17 to 20, 25 and 30 to 34; 2 bytes with 15; 4 with 5, 9,
+ * 10, 12 to 14 and 16; 6 with 28 and 29; 8 with 7 and 8; 12 with 26 and 27. With 0, 21 to 24 and 35 the count is 0.
  * @param id 0 to 35. Of other ids no record is found; eeprom_for_each() has them.
  * @param[out] data_out always written: the payload, which belongs to the table until the record is replaced or deleted;
  * null if there is no record.

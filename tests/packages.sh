@@ -39,8 +39,9 @@ for kind in shared static; do
   "$compiler" -std=c99 -Wall -Wextra -Wpedantic -Werror "$documents/examples/interfaces.c" "${flags[@]}" -o "$work/$kind-example"
   LD_LIBRARY_PATH=$libraries lists_lo "$work/$kind-example"
 done
-mapfile -t toolchain < <(cached CMAKE_TOOLCHAIN_FILE)
-quietly cmake -G Ninja -S "$source/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$usr" "${toolchain[@]}"
+toolchain=$(sed -nE 's/^CMAKE_TOOLCHAIN_FILE:[A-Z]+=//p' "$build/CMakeCache.txt") # as the presets have it, from the sources on
+quietly cmake -G Ninja -S "$source/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$usr" \
+  ${toolchain:+-DCMAKE_TOOLCHAIN_FILE="$(cd "$source" && realpath "$toolchain")"}
 quietly cmake --build "$work/consumer"
 for program in "$work"/consumer/{shared,static}-consumer; do lists_lo "$program"; done
 lists_lo "$usr/bin/devfacts" net

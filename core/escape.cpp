@@ -71,49 +71,58 @@ constexpr bool is_plain(const block &bytes, std::index_sequence<Index...> /*unus
   return ((special_bytes(bytes.words[Index]) | ...) & each(0x80)) == 0;
 }
 
-struct [[gnu::packed, gnu::may_alias]] any_four {
+struct [[gnu::packed, gnu::may_alias]] half_block {
   uint32_t bytes;
 };
 
 template <class Record>
-void copy(void *to, const void *from) {
-  *static_cast<Record *>(to) = *static_cast<const Record *>(from);
+void copy(char *to, const char *from) {
+  *reinterpret_cast<Record *>(to) = *reinterpret_cast<const Record *>(from);
 }
 
-char *escape_bytes(char *to, const char *from, const char *end) {
-  while (from != end) {
-    const char byte = *from++;
-    const size_t length = length_of(byte);
+const char *entity_of(char byte) { return entities[slot_of(static_cast<uint8_t>(byte))]; }
+
+// Each of these bytes is followed by so many that a store of eight bytes stays within what they need.
+char *escape_block(char *to, const char *from) {
+  for (const char *end = from + sizeof(block); from != end; ++from) {
+    const size_t length = length_of(*from);
     if (length == 1) [[likely]] {
-      *to++ = byte;
-      continue;
+      *to++ = *from;
+    } else {
+      copy<block>(to, entity_of(*from));
+      to += length;
     }
-    // The first four bytes and the last four, which overlap, are all of an entity.
-    const char *text = entities[slot_of(static_cast<uint8_t>(byte))];
-    copy<any_four>(to, text);
-    to += length;
-    copy<any_four>(to - 4, text + length - 4);
+  }
+  return to;
+}
+
+char *escape_rest(char *to, const char *from) {
+  for (; *from != '\0'; ++from) {
+    const size_t length = length_of(*from);
+    if (length == 1) [[likely]] {
+      *to++ = *from;
+    } else {  // its first four bytes and its last four, which overlap
+      const char *text = entity_of(*from);
+      copy<half_block>(to, text);
+      to += length;
+      copy<half_block>(to - 4, text + length - 4);
+    }
   }
   return to;
 }
 
 char *escape(char *to, const char *from, const char *end) {
-  while (from != end) {
-    const char *stop = end;
-    if (static_cast<size_t>(end - from) >= sizeof(block)) {
-      stop = from + sizeof(block);
-      const block bytes = *reinterpret_cast<const block *>(from);
-      if (is_plain(bytes, std::make_index_sequence<8 / sizeof(word)>())) {
-        *reinterpret_cast<block *>(to) = bytes;
-        to += sizeof(block);
-        from = stop;
-        continue;
-      }
+  constexpr size_t followers = 3;  // an entity has four bytes or more, and the text ends with a NUL
+  for (; static_cast<size_t>(end - from) >= sizeof(block) + followers; from += sizeof(block)) {
+    const block bytes = *reinterpret_cast<const block *>(from);
+    if (is_plain(bytes, std::make_index_sequence<8 / sizeof(word)>())) {
+      *reinterpret_cast<block *>(to) = bytes;
+      to += sizeof(block);
+    } else {
+      to = escape_block(to, from);
     }
-    to = escape_bytes(to, from, stop);
-    from = stop;
   }
-  return to;
+  return escape_rest(to, from);
 }
 
 }  // namespace

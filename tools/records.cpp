@@ -71,6 +71,7 @@ exit_status list(const request &asked) {
   listing = &out;
   out.begin_list("records");
   eeprom_for_each(print_row);
+  listing = nullptr;
   out.end_list();
   if (is_whole) return done;
   print_error("%s holds no whole image", store.name());
@@ -233,7 +234,9 @@ exit_status export_image(const request &asked) {
   if (!store.load()) return fail_with_name("%s holds no whole image", store.name());
   unique_fd fd{open(path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666)};
   if (fd && store.is_same(fd.get())) return fail_with_name("\"%s\" is the store itself", path);
-  const unique_file file{fd && ftruncate(fd.get(), 0) == 0 ? fdopen(fd.get(), "w") : nullptr};
+  // What is no file has no size: EINVAL.
+  const bool is_ready = fd && (ftruncate(fd.get(), 0) == 0 || errno == EINVAL);
+  const unique_file file{is_ready ? fdopen(fd.get(), "w") : nullptr};
   if (file) static_cast<void>(fd.release());
   if (file && write_image(file.get())) return done;
   print_error("cannot write \"%s\": %s", path, std::strerror(errno));

@@ -20,6 +20,7 @@ usr="$work/a root/usr"
 libraries=$(dirname "$(find "$usr" -name libdevfacts.a)")
 documents=$usr/share/doc/devfacts-dev
 for file in "$usr"/{bin/devfacts,include/devfacts/net.h,include/devfacts/platform/log.h,share/man/man3/ifi_get_all.3devfacts} \
+  "$usr"/share/{man/man1/devfacts.1,bash-completion/completions/devfacts} \
   "$libraries"/libdevfacts{,-platform}.so{,.0} "$documents"/{README.md,docs/state.md,html/index.html,examples/interfaces.c}; do
   [ -e "$file" ] || fail "no $file in the packages"
 done

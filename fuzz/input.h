@@ -1,4 +1,4 @@
-// What a fuzz target gives the library.
+// What a fuzz target passes to the library.
 #pragma once
 
 #include <cstddef>

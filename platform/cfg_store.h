@@ -38,9 +38,9 @@ DEVFACTS_API void cfg_destroy(cfg_handle store);
 
 /** Loads a file into a store. Its keys replace those that the store has; texts returned before stay valid.
  * The stand-in reads lines "key=value" that end with LF, CR LF or the end of the file. Blanks before a key are
- * skipped, a key contains none, and the value is all after the first "=", blanks included. Empty lines and lines that
- * begin with "#" are skipped, and the last line of a key counts. Any other line, a key of more than 511 characters, a
- * NUL byte, a file of more than 1 MiB and anything but a regular file are failures.
+ * skipped, a key contains no blanks, and the value is all after the first "=", blanks included. Empty lines and lines
+ * that begin with "#" are skipped, and the last line of a key counts. Any other line, a key of more than 511
+ * characters, a NUL byte, a file of more than 1 MiB and anything but a regular file are failures.
  * @param store no iterator of it is in use.
  * @param path the file.
  * @return negative on failure (missing, unreadable or malformed file, no memory): the store is unchanged. Anything else

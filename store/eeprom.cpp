@@ -24,9 +24,9 @@ constexpr size_t block_steps = 1024;
 
 bool load_at(int fd, off_t offset) { return lseek(fd, offset, SEEK_SET) == offset && eeprom_load_image(fd) == 0; }
 
-// The first step at or after the offset that may begin an image; -1 if there is none. The store ends at the first step
-// that cannot be read; after a short read the remaining steps are read one at a time. Not inlined, so that its block is
-// off the stack before the image is on it.
+// The first step at or after the offset that may begin an image; -1 if there is no such step. The store ends at the
+// first step that cannot be read; after a short read the remaining steps are read one at a time. Not inlined, so that
+// its block is off the stack before the image is on it.
 [[gnu::noinline]] off_t next_candidate(int fd, off_t offset) {
   image_header block[block_steps];
   for (size_t wanted = step;;) {

@@ -46,7 +46,7 @@ static int load_anew() {
   return eeprom_init();
 }
 
-// The format and the search, told once more in other words.
+// The format and the search, written once more in another way.
 static std::string word(size_t value) { return bytes_of(htonl(static_cast<uint32_t>(value))); }
 
 static uint32_t word_at(const std::string &text, size_t at) {

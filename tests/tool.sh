@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The tool as a person meets it: runs the commands of data/session, those behind "$ ", where what each prints, then its errors
-# and its status if that is not 0, must be what stands below it. tool.sh COMMAND... runs the tool.
+# The tool as a person meets it: runs the commands of data/session, those after "$ ": what each prints, then its errors
+# and its status if that is not 0, must be what is below it. tool.sh COMMAND... runs the tool.
 set -uo pipefail
 tool=("$@") source=$(cd "$(dirname "$0")/.." && pwd) work=$(mktemp -d)
 data=$source/tests/data

@@ -1,4 +1,4 @@
-/* A program with the C library's header beside ours, behind it or (TEXTS_LIBINTL_FIRST) before it: gettext is ours, and
+/* A program with the C library's header beside ours, after it or (TEXTS_LIBINTL_FIRST) before it: gettext is ours, and
    the C library still translates its own texts. */
 #ifdef TEXTS_LIBINTL_FIRST
 #include <libintl.h>

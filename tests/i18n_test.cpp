@@ -75,8 +75,7 @@ TEST(set_po_access_path, takes_the_first_word_of_the_first_line) {
     const char *file;
     int result;
     const char *catalogue;  // the one before if the language has none
-  } cases[] = {{"de\n", 0, "de"},        {"", -1, "de"},     {" de\n", 0, "none"}, {"\n", 0, "none"},
-               {"fr en\nde\n", 0, "fr"}, {"it\n", 0, "who"}, {"de", 0, "de"},      {"de\xa0", 0, "who"}};
+  } cases[] = {{"de\n", 0, "de"}, {"", -1, "de"}, {" de\n", 0, "none"}, {"fr en\n", 0, "fr"}, {"it\n", 0, "who"}};
   on_device([&] {
     for (const std::string language : {"de", "fr"}) write_file("/po/" + language + "/c.po", entry("who", language));
     write_file("/po/c.po", entry("who", "none"));

@@ -18,8 +18,8 @@
 #include "store/record_table.h"
 #include "support/configuration.h"
 #include "support/driver.h"
+#include "support/faults.h"
 #include "support/log.h"
-#include "support/memory.h"
 #include "support/messages.h"
 #include "support/process.h"
 #include "tools/command.h"
@@ -57,48 +57,14 @@ static auto driven(const std::function<void()> &act) {
 static void set_flags() {
   int ends[2];  // of a pipe, which can have any flag
   if (pipe(ends) != 0) return;
-  const int fd = ends[1];
-  fcntl(fd, F_SETFL, O_APPEND);
-  const int before = fcntl(fd, F_GETFL);
+  fcntl(ends[1], F_SETFL, O_APPEND);
+  const int before = fcntl(ends[1], F_GETFL);
   for (const auto set : {set_coe, set_nio, set_bio}) {
-    const int result = set(fd);
-    const int changed = fcntl(fd, F_GETFL) ^ before;
-    say(result, fcntl(fd, F_GETFD), changed == O_NONBLOCK ? "non-blocking" : changed == 0 ? "as before" : "other");
+    const int result = set(ends[1]);
+    const int changed = fcntl(ends[1], F_GETFL) ^ before;
+    say(result, fcntl(ends[1], F_GETFD), changed == O_NONBLOCK ? "non-blocking" : changed == 0 ? "as before" : "other");
   }
-  close(ends[0]);
-  close(ends[1]);
-}
-
-static void use_control_socket() {
-  for (int i = 0; i < 2; ++i) say(ioctl_socket());
-  ioctl_close();
-  say(open("/f", O_RDONLY));
-  ioctl_close();
-  const int fd = ioctl_socket();
-  say(fd > 0, fcntl(STDIN_FILENO, F_GETFD));
-}
-
-static void copy_payloads() {
-  const std::string text = attribute(1, "ab");
-  const std::vector<char> block(text.begin(), text.begin() + 6);  // the sanitizer watches its end
-  const auto *payload = reinterpret_cast<const rtattr *>(block.data());
-  char bytes[3] = "??";
-  const void *copied = nla_memcpy(bytes, payload, 2);
-  say(nla_data(payload) == block.data() + 4, copied == bytes, bytes, nla_length(payload));
-  say(nla_get_u32(payload) == (is_big_endian ? 0x61620000U : 0x6261U));
-  first_match_string slot{};
-  __return_first_match_in_string(&slot, nullptr, bytes);
-  void *copy = nla_memdup(payload);
-  say(shown(copy, 2));
-  test_free(copy);
-  for (char *each : {nla_strdup(payload), escape_xml("<", nullptr), slot.value}) {
-    say(text_or_none(each));
-    test_free(each);
-  }
-  for (const uint16_t claimed : {4, 3, 0}) {
-    const rtattr empty{claimed, 1};
-    say(nla_memdup(&empty) == nullptr, nla_length(&empty));
-  }
+  for (const int each : ends) close(each);
 }
 
 static void collect_values() {
@@ -238,8 +204,6 @@ const auto set_record = command({"records", "set", "1", "6e6577", "--write"});
 
 const std::vector<operation> test::operations = {
     {"flags", {}, set_flags, {}},
-    {"control", {}, use_control_socket, {}},
-    {"copies", {}, copy_payloads, {}},
     {"values", {}, collect_values, {}},
     {"interfaces", answer_dumps, command({"net"}), collect_alone},
     {"wireless", describe_radios, driven(command({"wireless", "radio0"})), {}},

@@ -6,9 +6,7 @@
 #include <regex>
 
 #include "platform/cfg_store.h"
-#include "support/configuration.h"
 #include "support/faults.h"
-#include "support/memory.h"
 #include "support/process.h"
 
 using namespace test;
@@ -20,24 +18,22 @@ static bool load(cfg_handle handle, const std::string &file) {
 
 // What a walk finds: the text, also as a number and as a truth.
 TEST(configuration, values_and_walks) {
-  constexpr struct {
-    const char *prefix, *suffix;
-  } walks[] = {{"number", "x"}, {"line", "x"}, {"r", "x"}, {"r.0.t", "x"}, {"none", "x"}, {"r", "t.6.x"}, {"r", "t"}};
+  constexpr const char *walks[][2] = {{"number", "x"}, {"line", "x"},  {"r", "x"}, {"r.0.t", "x"},
+                                      {"none", "x"},   {"r", "t.6.x"}, {"r", "t"}};
   const auto walk_all = [&walks, file = read_file("configuration")] {
     cfg_handle handle = cfg_create();
     EXPECT_TRUE(load(handle, file));
-    for (const auto &each : walks) {
-      std::printf("%s %s\n", each.prefix, each.suffix);
-      cfg_iterator *first = cfg_create_index_iterator(handle, each.prefix, each.suffix);
+    for (const auto &[prefix, suffix] : walks) {
+      std::printf("%s %s\n", prefix, suffix);
+      cfg_iterator *first = cfg_create_index_iterator(handle, prefix, suffix);
       for (cfg_iterator *at = first; at != nullptr; at = at->next(at)) {
-        const std::string key = std::string(each.prefix) + "." + std::to_string(at->index(at)) + "." + each.suffix;
+        const std::string key = std::string(prefix) + "." + std::to_string(at->index(at)) + "." + suffix;
         std::printf("%d [%s] %u %u\n", at->index(at), at->value(at), cfg_get_uint32_value(handle, 0, key.c_str()),
                     cfg_get_bool_value(handle, 0, key.c_str()));
       }
       cfg_free_iterator(first);
     }
-    EXPECT_EQ(cfg_get_uint32_value(handle, 0, "x"), 0U);
-    EXPECT_EQ(cfg_get_bool_value(handle, 0, "x"), 0U);
+    EXPECT_EQ(cfg_get_uint32_value(handle, 0, "x") + cfg_get_bool_value(handle, 0, "x"), 0U);
     EXPECT_EQ(cfg_key_exists(handle, ""), 0);
     cfg_destroy(handle);
     EXPECT_EQ(live_blocks(), 0);
@@ -132,9 +128,7 @@ TEST(identity, the_chip_is_the_first_of_the_table_that_the_version_names) {
     std::string version;
   } cases[] = {
       {CPU_ADM5120, "xscale x86 SL3512 rt3352 rt3050 rt3052 rt2880 ar5312 ar2317 ar2316 adm5120-1"},
-      {CPU_RT2880, "xscale x86 SL3512 rt3352 rt3050 rt3052 rt2880"},
-      {CPU_RT3352, "v2.xscale x86 SL3512 rt3352-1"},
-      {CPU_X86, "xscale-x86"},
+      {CPU_RT2880, "v2.xscale x86 SL3512 rt3352 rt3050 rt3052 rt2880-1"},
       {CPU_NONE, "sl3512"},
       {CPU_RT3050, std::string(4089, ' ') + "rt3050"},
       {CPU_NONE, std::string(4090, ' ') + "rt3050"},

@@ -1,7 +1,5 @@
-// Each call that an operation makes over the library's boundary fails once, in each way that it can. The expected
-// output, tests/data/sweep/OPERATION, is what the operation prints and leaves without a fault, then a line for each
-// outcome: the error, the calls, and the difference to the run without a fault: how many lines are lost and new, what
-// else remains, the status, and the first new lines.
+// Each call that an operation makes over the library's boundary fails once, in each way that it can. What it prints
+// and leaves then is compared with a run without a fault: tests/data/sweep/OPERATION has a line for each outcome.
 #include <devfacts/product.h>
 #include <devfacts/store.h>
 #include <fcntl.h>
@@ -9,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <regex>
@@ -19,7 +16,6 @@
 
 #include "operations.h"
 #include "support/faults.h"
-#include "support/memory.h"
 #include "support/process.h"
 
 using namespace test;
@@ -93,55 +89,51 @@ std::vector<std::string> more_lines(const std::string &text, const std::string &
   return more;
 }
 
-std::string signed_number(long number, const char *what) {
-  if (number == 0) return "";
-  return (number > 0 ? " +" : " ") + std::to_string(number) + what;
-}
-
 std::string difference(const outcome &whole, const outcome &faulty) {
   const auto lost = more_lines(whole.end.out + whole.end.err, faulty.end.out + faulty.end.err);
   const auto made = more_lines(faulty.end.out + faulty.end.err, whole.end.out + whole.end.err);
-  std::string text = signed_number(-static_cast<long>(lost.size()), "");
-  text += signed_number(static_cast<long>(made.size()), "");
-  text += signed_number(faulty.blocks - whole.blocks, " blocks");
-  text += signed_number(faulty.descriptors - whole.descriptors, " descriptors");
-  if (faulty.end.status != whole.end.status) text += " status " + std::to_string(faulty.end.status);
-  int shown = 0;
-  for (const std::string &line : made) {
-    const size_t start = line.find_first_not_of(' ');
-    if (line.starts_with('[') || ++shown > 2) continue;
-    text += " | " + (start == std::string::npos ? "" : line.substr(start, 50));
+  const std::pair<long, const char *> changes[] = {{-static_cast<long>(lost.size()), ""},
+                                                   {static_cast<long>(made.size()), ""},
+                                                   {faulty.blocks - whole.blocks, " blocks"},
+                                                   {faulty.descriptors - whole.descriptors, " descriptors"}};
+  std::ostringstream text;
+  for (const auto &[number, what] : changes) {
+    if (number != 0) text << " " << std::showpos << number << std::noshowpos << what;
   }
-  return text.empty() ? " no difference" : text;
+  if (faulty.end.status != whole.end.status) text << " status " << faulty.end.status;
+  for (size_t i = 0; i < made.size() && i < 2; ++i) {
+    const size_t start = std::min(made[i].find_first_not_of(' '), made[i].size());
+    text << " | " << made[i].substr(start, 50);
+  }
+  return text.str().empty() ? " no difference" : text.str();
 }
 
 // Consecutive faults of one outcome share a line, in which a call that is repeated is "CALL xN".
-std::string swept(const operation &operation, const fault &fault) {
+void print_faults(const operation &operation, const fault &fault) {
   const outcome whole = run_with_fault(operation, fault, 0);
   std::ifstream calls("/calls");
   std::vector<std::pair<std::string, std::string>> faults;  // the call, the difference
   for (std::string call; calls >> call;) {
     faults.emplace_back(call, difference(whole, run_with_fault(operation, fault, static_cast<int>(faults.size()) + 1)));
   }
-  std::string text;
   for (auto at = faults.begin(); at != faults.end();) {
     const std::string &outcome = at->second;
-    text += fault.name;
+    std::cout << fault.name;
     while (at != faults.end() && at->second == outcome) {
       const auto first = at;
       at = std::find_if(at, faults.end(), [&](const auto &each) { return each != *first; });
-      text += " " + first->first + (at - first > 1 ? " x" + std::to_string(at - first) : "");
+      std::cout << " " << first->first;
+      if (at - first > 1) std::cout << " x" << at - first;
     }
-    text += ":" + outcome + "\n";
+    std::cout << ":" << outcome << "\n";
   }
-  return text;
 }
 
 void print_sweep(const operation &operation) {
   const outcome whole = run_with_fault(operation, fault_table[0], 0);
   std::cout << whole.end.out << "-- errors\n" << whole.end.err << "-- status " << whole.end.status << ", ";
   std::cout << whole.blocks << " blocks and " << whole.descriptors << " descriptors remain\n";
-  for (const fault &each : fault_table) std::cout << swept(operation, each);
+  for (const fault &each : fault_table) print_faults(operation, each);
 }
 
 class sweep : public testing::TestWithParam<operation> {};
@@ -152,7 +144,7 @@ TEST_P(sweep, faults) {
   const auto files = files_below("device");
   const ending end = run_on_device([&] {
     for (const auto &[path, text] : files) write_file(path, text);
-    std::filesystem::create_directories("/var/cfg");
+    write_file("/var/cfg/other", "");
     print_sweep(operation);
   });
   if (std::getenv("ACCEPT_SWEEP") != nullptr && operation.twin == nullptr) write_file(path, end.out);

@@ -26,7 +26,6 @@ class driver {
   uint8_t txpower_disabled = 0;
   iw_freq frequency{241200000, 1, 7, 0xff};
   iw_range_record range{};
-  bool answers_nothing = false;  // it succeeds, and leaves the record as it is
 
  private:
   int answer_wireless(unsigned long number, iwreq &request);

@@ -3,15 +3,13 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
+#include <set>
 
 #include "calls.h"
 
@@ -26,15 +24,20 @@ struct {
 
 std::function<void(void *, size_t)> mapping_seen;
 size_t max_read = SIZE_MAX;
+std::set<uintptr_t> live;
+size_t newest = 0;
+
+// Upside down, so that a leak checker does not take it for a pointer.
+uintptr_t hidden(void *block) { return ~reinterpret_cast<uintptr_t>(block); }
 
 }  // namespace
 
 void test::fail(const std::string &calls, int nth, int error) { armed = {calls, "", error, nth}; }
 
 bool test::strikes(const std::string &call) {
-  const std::string name = call + " ";
-  if (!armed.calls.empty() && (armed.calls + " ").find(name) == std::string::npos) return false;
-  armed.seen += name;
+  const bool is_meant = armed.calls.empty() || (" " + armed.calls + " ").find(" " + call + " ") != std::string::npos;
+  if (!is_meant) return false;
+  armed.seen += call + " ";
   if (--armed.remaining != 0) return false;
   errno = armed.error;
   return true;
@@ -42,6 +45,8 @@ bool test::strikes(const std::string &call) {
 
 std::string test::calls_seen() { return armed.seen; }
 int test::failed_result() { return armed.error != 0 ? -1 : 0; }
+long test::live_blocks() { return static_cast<long>(live.size()); }
+size_t test::newest_size() { return newest; }
 void test::on_mapping(const std::function<void(void *, size_t)> &look) { mapping_seen = look; }
 void test::read_at_most(size_t count) { max_read = count; }
 
@@ -63,6 +68,36 @@ extern "C" {
 #define CALL(result, name, label, parameters, arguments) \
   result test_##name parameters { return strikes(label) ? failure<result>() : name arguments; }
 CALLS(CALL)
+
+void *test_realloc(void *block, size_t size) {
+  const uintptr_t old = hidden(block);
+  newest = size;
+  void *made = strikes("allocation") ? nullptr : realloc(block, size);
+  if (made == nullptr) return nullptr;
+  live.erase(old);
+  live.insert(hidden(made));
+  return made;
+}
+
+void *test_malloc(size_t size) { return test_realloc(nullptr, size); }
+
+void *test_calloc(size_t count, size_t size) {
+  void *made = test_realloc(nullptr, count * size);
+  return made == nullptr ? nullptr : std::memset(made, 0, count * size);
+}
+
+char *test_strndup(const char *text, size_t max) {
+  const size_t length = strnlen(text, max);
+  void *made = test_calloc(length + 1, 1);
+  return static_cast<char *>(made == nullptr ? nullptr : std::memcpy(made, text, length));
+}
+
+char *test_strdup(const char *text) { return test_strndup(text, std::strlen(text)); }
+
+void test::test_free(void *block) {
+  live.erase(hidden(block));
+  free(block);
+}
 
 int test_fstat64(int fd, struct stat64 *status) {
   const int result = strikes("fstat") ? -1 : fstat64(fd, status);

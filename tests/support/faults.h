@@ -18,6 +18,11 @@ std::string calls_seen();
 // What a failing call returns.
 int failed_result();
 
+// Frees a block that the library handed over; its blocks that are not freed; the size of the newest one.
+extern "C" void test_free(void *block);
+long live_blocks();
+size_t newest_size();
+
 // This sees each mapping that the library makes, before the library uses it.
 void on_mapping(const std::function<void(void *, size_t)> &look);
 

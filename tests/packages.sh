@@ -55,3 +55,9 @@ quietly cmake -G Ninja -S "$work/a copy" -B "$work/a build" "${settings[@]}"
 quietly cmake --build "$work/a build"
 pack "$work/a build" "$work/packages again"
 for package in "$work"/packages/*.deb; do cmp "$package" "$work/packages again/${package##*/}"; done
+
+# With the firmware's own libraries their headers come with these; without the manual there are no packages.
+quietly cmake -G Ninja -S "$work/a copy" -B "$work/device" "${settings[@]}" -DDEVFACTS_PLATFORM=-lfirmware -DDEVFACTS_DOCS=OFF
+! grep -q platform/log.h "$work/device/cmake_install.cmake" || fail "headers of the firmware's libraries are installed"
+! cpack --config "$work/device/CPackConfig.cmake" -B "$work/none" >"$work/log" 2>&1 || fail "packages without the manual"
+grep -q 'The packages hold the manual' "$work/log" || fail "no word of the manual: $(cat "$work/log")"

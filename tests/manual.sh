@@ -61,7 +61,6 @@ TEXTS
 while IFS='|' read -r page text; do says "$pages/$page.3devfacts" "$text"; done <<'TEXTS'
 iw_security_mode2str|RETURN VALUE "off", "restricted" or "open"
 cpu_detect|CPU_NONE(3devfacts)
-CPU_NONE|CPU_ADM5120, CPU_AR2316, CPU_AR2317, CPU_AR5312, CPU_RT2880, CPU_SL3512, CPU_X86, CPU_XSCALE, CPU_RT3052, CPU_RT3050, CPU_RT3352 -
 CPU_NONE|CPU_RT3352 = 11 "rt3352"
 ifi_entry|list_link addrs;
 eeprom_write|/var/cfg/.eeprom

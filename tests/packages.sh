@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The Debian packages of a build, unpacked into a path with blanks: C examples are built with them by pkg-config, shared and static, a
-# C++ project by find_package, and these and the tool run from there. A second build, of a copy of the sources, gives the same bytes.
+# The Debian packages of a build, unpacked into a path with blanks: a static C program is built with them by pkg-config, a C++ project
+# by find_package, and these and the tool run from there. A second build, of a copy of the sources, gives the same bytes.
 # packages.sh BUILD_DIR SOURCE_DIR CC [EMULATOR...]
 set -euo pipefail
 build=$1 source=$2 compiler=$3
@@ -34,17 +34,13 @@ for package in "$work"/packages/{lib,devfacts-dev}*.deb; do
 done
 ! grep -rlF "$architecture" "$usr/include" "$usr/share/man" || fail "these tell the architecture"
 
-for kind in shared static; do
-  eval "flags=($(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --$kind --cflags --libs devfacts))"
-  [ $kind = shared ] || flags+=(-static)
-  "$compiler" -std=c99 -Wall -Wextra -Wpedantic -Werror "$documents/examples/interfaces.c" "${flags[@]}" -o "$work/$kind-example"
-  LD_LIBRARY_PATH=$libraries lists_lo "$work/$kind-example"
-done
+eval "flags=($(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --static --cflags --libs devfacts))"
+"$compiler" -std=c99 -static "$documents/examples/interfaces.c" "${flags[@]}" -o "$work/example"
 toolchain=$(sed -nE 's/^CMAKE_TOOLCHAIN_FILE:[A-Z]+=//p' "$build/CMakeCache.txt") # as the presets have it, from the sources on
 quietly cmake -G Ninja -S "$source/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$usr" \
   ${toolchain:+-DCMAKE_TOOLCHAIN_FILE="$(cd "$source" && realpath "$toolchain")"}
 quietly cmake --build "$work/consumer"
-for program in "$work"/consumer/{shared,static}-consumer; do lists_lo "$program"; done
+for program in "$work"/example "$work"/consumer/{shared,static}-consumer; do lists_lo "$program"; done
 lists_lo "$usr/bin/devfacts" net
 
 mkdir "$work/a copy"

@@ -1,4 +1,4 @@
-// The list of interfaces, of this namespace and of crafted dumps.
+// The list of interfaces that crafted messages make.
 #include <devfacts/net.h>
 #include <unistd.h>
 
@@ -7,25 +7,6 @@
 #include "support/process.h"
 
 using namespace test;
-
-TEST(inventory, is_a_cache_until_it_is_freed) {
-  const ending end = run([] {
-    if (is_emulated) stderr = std::tmpfile();  // the last attribute of the kernel's own messages is not swapped
-    EXPECT_EQ(ifi_get_all(), &interfaces);
-    fail("socket", 1, EMFILE);
-    ifi_get_all_ip();
-    const ifi_entry *lo = ifi_find_by_name("lo");
-    EXPECT_EQ(ifi_find_by_index(lo->index), lo);
-    for (int i = 0; i < 2; ++i) ifi_free_all();
-    EXPECT_EQ(ifi_find_by_name("lo"), nullptr);
-    fail("none", 0, 0);
-    ifi_get_all_ip();
-    for (ifi_entry *each : {ifi_find_by_name("lo"), ifi_alloc()}) ifi_free(each);
-    ifi_free_all();
-    EXPECT_EQ(live_blocks(), 0);
-  });
-  EXPECT_EQ(end, ending());
-}
 
 static void print_interface(const ifi_entry &entry) {
   std::printf("%d %s %d %u", entry.index, text_or_none(entry.name).c_str(), entry.type, entry.flags);

@@ -4,8 +4,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <ctime>
-
 #include "support/messages.h"
 #include "support/process.h"
 
@@ -57,12 +55,10 @@ TEST(netlink, what_it_makes_of_datagrams) {
       {"nothing before the timeout", {}, {"end", "", 0}},
       {"a timeout in the middle", {noop}, {"1:16 end", "", 0}},
       {"several", {noop + noop, message(4, "four"), done()}, {"1:16 1:16 4:20 end", "", 0}},
-      {"done before others", {done(), noop}, {"end", "", 0}},
       {"shorter than a header", {noop.substr(0, 3)}, {"", remains(3), 1}},
       {"bytes after the last", {noop + noop.substr(0, 8)}, {"1:16 ", remains(8), 1}},
       {"no padding", {message(9, "xx").substr(0, 18)}, {"9:18 ", remains(-2), 1}},
       {"claims less than a header", {message(9, "", 15)}, {"", remains(16), 1}},
-      {"claims nothing", {message(9, "", 0)}, {"", remains(16), 1}},
       {"claims one byte too many", {message(9, "", 17)}, {"", remains(16), 1}},
       {"claims everything", {noop + message(9, "", UINT32_MAX)}, {"1:16 ", remains(16), 1}},
       {"an empty one", {""}, {"", "EOF on netlink, Resource temporarily unavailable\n", 1}},
@@ -90,25 +86,6 @@ TEST(netlink, requests_have_twenty_bytes_and_the_next_sequence_number) {
   }
 }
 
-TEST(netlink, opening_fills_the_handle) {
-  nl_handle handle;
-  std::memset(&handle, 0xff, sizeof handle);
-  const auto before = static_cast<uint32_t>(std::time(nullptr));
-  nl_open(&handle, NETLINK_ROUTE, RTMGRP_LINK);
-  EXPECT_LE(handle.seq - before, 1U);
-  EXPECT_EQ(listed(handle.local.nl_groups, handle.local.nl_pid != 0, handle.dump, handle.peer.nl_family), "1 1 0 0 ");
-  constexpr int options[][2] = {
-      {SO_SNDBUF, 65536}, {SO_RCVBUF, 65536}, {SO_TYPE, SOCK_RAW}};  // the kernel doubles sizes
-  for (const auto &[option, expected] : options) {
-    int value = 0;
-    socklen_t size = sizeof value;
-    getsockopt(handle.fd, SOL_SOCKET, option, &value, &size);
-    EXPECT_EQ(value, expected) << option;
-  }
-  nl_close(&handle);
-  EXPECT_EQ(handle.fd, -1);
-}
-
 TEST(attributes, the_walk_stays_inside_the_block) {
   const std::string empty = attribute(1, "");
   const struct {
@@ -117,7 +94,6 @@ TEST(attributes, the_walk_stays_inside_the_block) {
     const char *offsets;  // of the attributes of types 0 to 2, or -1
     const char *warning;
   } cases[] = {
-      {"empty", "", "-1 -1 -1 ", ""},
       {"in order", attribute(2, "") + attribute(1, "four"), "-1 4 0 ", ""},
       {"the last of a type counts", attribute(1, "four") + attribute(1, "four"), "-1 8 -1 ", ""},
       {"types beyond the table", attribute(3, "") + attribute(0x8001, "") + empty, "-1 8 -1 ", ""},

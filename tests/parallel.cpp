@@ -71,19 +71,16 @@ static void translate() {
 }
 
 static void read_files() {
-  char text[64];
-  iw_status status{};
   iw_peers_list peers{};
+  iw_status status{};
   keyval_list values;
   status.ifname = "ra0";
-  iw_tx_total(&status, "ra0");
   iw_read_states(&status);
   iw_peers(&peers, "ra0");
   iw_peers_free(&peers);
   keyvalue("/proc/net/ra0/peers", nullptr, &values);
   keyval_destroy(&values);
   cpu_detect(CPU_RT3052);
-  read_serial_no(text, sizeof text);
   mtd_block_find("Factory");
 }
 

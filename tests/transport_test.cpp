@@ -8,7 +8,6 @@
 #include <chrono>
 #include <utility>
 
-#include "platform/log.h"
 #include "support/faults.h"
 #include "support/log.h"
 #include "support/process.h"
@@ -129,20 +128,4 @@ TEST(sender, waits_two_seconds_and_keeps_the_connection) {
       EXPECT_EQ(drained(fd), "kept ");
     });
   }
-}
-
-TEST(log, goes_to_syslog_with_a_priority_for_its_level) {
-  on_device([] {
-    write_file("/dev/log", "");
-    const int fd = socket_input_init("/dev/log");
-    constexpr const char *priorities[] = {"<10>", "<10>", "<11>", "<12>", "<13>", "<14>", "<15>", "<15>"};
-    for (int level = -1; level < 7; ++level) {
-      char line[200] = "";
-      errno = ENOENT;
-      log_message_errno(level, "%d\n", level);
-      socket_input_read_single(fd, line, sizeof line - 1);
-      EXPECT_EQ(std::string(line, 4), priorities[level + 1]);
-      EXPECT_EQ(std::strstr(line, ": ") + 2, std::to_string(level) + ": No such file or directory");
-    }
-  });
 }

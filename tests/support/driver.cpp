@@ -5,7 +5,6 @@
 #include <sys/ioctl.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 #include "bytes.h"
@@ -16,11 +15,6 @@ static test::driver *installed = nullptr;
 extern "C" int test_ioctl(int fd, unsigned long number, void *record) {
   if (test::strikes("ioctl")) return -1;
   return installed != nullptr ? installed->answer(number, record) : ioctl(fd, number, record);
-}
-
-static int refuse(int error) {
-  errno = error;
-  return -1;
 }
 
 // A request's union has a buffer's pointer, length and flags, or nothing, and zeros otherwise.
@@ -83,7 +77,7 @@ int test::driver::answer_wireless(unsigned long number, iwreq &request) {
       break;
     case SIOCGIWTXPOW: u.txpower = {INT32_MIN, 1, txpower_disabled, 0xffff}; break;
     case SIOCIWFIRSTPRIV + 0xd: std::memset(buffer + 4, *buffer, u.data.length - 4U); break;
-    default: return refuse(EOPNOTSUPP);
+    default: return -1;
   }
   return 0;
 }
@@ -91,7 +85,8 @@ int test::driver::answer_wireless(unsigned long number, iwreq &request) {
 int test::driver::answer_wired(const std::string &name, ethtool_cmd &command) {
   log += listed(command.cmd, command.supported) + name + "\n";
   auto *values = reinterpret_cast<char *>(&command.supported);
-  if (name != "eth0") return refuse(ENODEV);
+  errno = EOPNOTSUPP;
+  if (name != "eth0") return -1;
   switch (command.cmd) {
     case ETHTOOL_GSET:
       EXPECT_EQ(shown(values, 40), std::string(40, '.'));
@@ -102,6 +97,6 @@ int test::driver::answer_wired(const std::string &name, ethtool_cmd &command) {
       return 0;
     case ETHTOOL_GLINK: command.supported = 0xffffff02; return 0;
     case ETHTOOL_GPERMADDR: std::memcpy(values + 4, "permanen", 8); return 0;
-    default: return refuse(EOPNOTSUPP);
+    default: return -1;
   }
 }

@@ -9,10 +9,8 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 static std::string contents(FILE *file) {
   std::string text;

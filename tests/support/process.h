@@ -43,13 +43,10 @@ void interrupt_every(int microseconds);
 // Leaves one free descriptor that fits into an fd_set; all others are beyond it.
 void use_up_descriptors();
 
-// Replaces whatever has this path by a file; directories on the way are made.
+// Files: one that replaces whatever has its path; the contents of one, whose relative name is that of a file in
+// tests/data; all below a directory, each with its path as seen from there.
 void write_file(const std::string &path, const std::string &text);
-
-// The contents of a file. Relative names are those of tests/data.
 std::string read_file(const std::string &path);
-
-// The same for all files below a directory: each path, as seen from there, and its contents.
 std::map<std::string, std::string> files_below(const std::string &directory);
 
 }  // namespace test

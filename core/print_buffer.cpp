@@ -73,3 +73,9 @@ void print_buffer::flush() {
   if (size_ != 0) std::fwrite(text_, 1, size_, stdout);
   size_ = 0;
 }
+
+void devfacts::print_item(const char *name, const char *value) { print_buffer().item(name, value); }
+
+void devfacts::print_item(const char *name, uint32_t magnitude, bool is_negative) {
+  print_buffer().item(name, magnitude, is_negative);
+}

@@ -19,11 +19,7 @@ class print_buffer {
   void item(const char *name, const char *value) {
     if (!append(name, value)) flush_and_append(name, value);
   }
-  void item(const char *name, uint32_t value) { item(name, value, false); }
-  void item(const char *name, int32_t value) {
-    const auto magnitude = static_cast<uint32_t>(value);
-    item(name, value < 0 ? 0 - magnitude : magnitude, value < 0);
-  }
+  void item(const char *name, uint32_t magnitude, bool is_negative = false);
 
   // A line as it is, with its newline; short ones only.
   void line(const char *text);
@@ -34,12 +30,15 @@ class print_buffer {
  private:
   static constexpr size_t capacity = 1024;
 
-  void item(const char *name, uint32_t magnitude, bool is_negative);
   bool append(const char *name, const char *value);  // false if it does not fit
   [[gnu::cold]] void flush_and_append(const char *name, const char *value);
 
   size_t size_ = 0;
   char text_[capacity + sizeof "  <></>\n"];  // the rest of an item is appended without a check
 };
+
+// One such line, by a write of its own.
+void print_item(const char *name, const char *value);
+void print_item(const char *name, uint32_t magnitude, bool is_negative = false);
 
 }  // namespace devfacts

@@ -16,7 +16,7 @@ bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
 }  // namespace
 
 void xml_str_item(const char *name, const char *value) {
-  if (name != nullptr) print_buffer().item(name, is_empty(value) ? absent : value);
+  if (name != nullptr) print_item(name, is_empty(value) ? absent : value);
 }
 
 void xml_str_esc_item(const char *name, const char *value) {
@@ -25,7 +25,10 @@ void xml_str_esc_item(const char *name, const char *value) {
   xml_str_item(name, text.get());
 }
 
-void xml_int_item(const char *name, int32_t value) { print_buffer().item(name, value); }
+void xml_int_item(const char *name, int32_t value) {
+  const auto magnitude = static_cast<uint32_t>(value);
+  print_item(name, value < 0 ? 0 - magnitude : magnitude, value < 0);
+}
 
 void xml_int_item_opt(const char *name, int32_t value, uint8_t present) {
   if (present != 0) return xml_int_item(name, value);

@@ -7,11 +7,11 @@
 
 namespace {
 
+constexpr char digits[] = "0123456789ABCDEF";
 constexpr size_t mac_size = 6;
 constexpr size_t mac_text_size = 3 * mac_size;  // two digits each and a colon, or the NUL
 
 void put_mac(char *text, const uint8_t *mac) {
-  constexpr char digits[] = "0123456789ABCDEF";
   for (size_t i = 0; i < mac_size; ++i) {
     *text++ = digits[mac[i] >> 4];
     *text++ = digits[mac[i] & 15];

@@ -38,7 +38,7 @@ void print_addresses(print_buffer &out, const ifi_entry *entry, char *scratch) {
 
 void print_counters(print_buffer &out, const rtnl_link_stats *stats) {
   const auto *counter = reinterpret_cast<const uint32_t *>(stats);
-  for (const char *name : counter_names) out.item(name, *counter++);
+  for (const char *name = counter_names; *name != '\0'; name = next_name(name)) out.item(name, *counter++);
 }
 
 void print_detail(print_buffer &out, const ifi_entry *entry) {
@@ -56,10 +56,10 @@ void print_detail(print_buffer &out, const ifi_entry *entry) {
 }  // namespace
 
 void ifi_xml_str_item(const char *name, const char *value) {
-  if (name != nullptr && value != nullptr) print_buffer().item(name, value);
+  if (name != nullptr && value != nullptr) print_item(name, value);
 }
 
-void ifi_xml_int_item(const char *name, uint32_t value) { print_buffer().item(name, value); }
+void ifi_xml_int_item(const char *name, uint32_t value) { print_item(name, value); }
 
 void ifi_dump_detail(const ifi_entry *entry) {
   print_buffer out;

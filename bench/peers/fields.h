@@ -27,7 +27,8 @@ void for_each_item(const ifi_entry *entry, Put put, Count count) {
     put(element_of(address), ifi_ip_ntop(text, sizeof text, address));
   }
   const auto *counter = reinterpret_cast<const uint32_t *>(entry->stats);
-  for (const char *name : devfacts::counter_names) count(name, *counter++);
+  for (const char *name = devfacts::counter_names; *name != '\0'; name = devfacts::next_name(name))
+    count(name, *counter++);
 }
 
 }  // namespace bench

@@ -61,7 +61,7 @@ TEXTS
 while IFS='|' read -r page text; do says "$pages/$page.3devfacts" "$text"; done <<'TEXTS'
 iw_security_mode2str|RETURN VALUE "off", "restricted" or "open"
 cpu_detect|CPU_NONE(3devfacts)
-CPU_NONE|CPU_RT3352 = 11 "rt3352"
+CPU_RT3352|CPU_RT3352 = 11 "rt3352"
 ifi_entry|list_link addrs;
 eeprom_write|/var/cfg/.eeprom
 TEXTS

@@ -96,6 +96,8 @@ class Manual:
         self.write_part(page, "Examples", found["Example"], entry)
         self.name_others(page, entry, found["See also"])
         self.save(page, entry.name, [self.reference.page_of[entry.group.id]])
+        for name in entry.names[1:]:
+            (self.folder / f"{name}.{SECTION}").symlink_to(f"{entry.name}.{SECTION}")
 
     def name_others(self, page, entry, see):
         for type_name in entry.definition.iterfind(".//type//ref"):

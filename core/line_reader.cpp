@@ -8,6 +8,19 @@
 
 using namespace devfacts;
 
+namespace {
+
+// The first newline from text to end, which is one. The C library's search has vector code on 64-bit processors; on the
+// device it takes longer to begin than a line does.
+char *find_newline(char *text, const char *end) {
+  if constexpr (sizeof(void *) > 4)
+    return static_cast<char *>(std::memchr(text, '\n', static_cast<size_t>(end - text) + 1));
+  while (*text != '\n') ++text;
+  return text;
+}
+
+}  // namespace
+
 line_reader::line_reader(const char *path, size_t max_line)
     : file_(open(path, O_RDONLY | O_CLOEXEC)), max_line_(max_line) {}
 
@@ -26,8 +39,7 @@ char *line_reader::next() {
   if (held_ != '\0') *next_ = std::exchange(held_, '\0');
   do {
     *end_ = '\n';  // ends the search
-    char *stop = next_;
-    while (*stop != '\n') ++stop;
+    char *stop = find_newline(next_, end_);
     if (static_cast<size_t>(stop - next_) >= max_line_) {
       stop = next_ + max_line_;
       held_ = std::exchange(*stop, '\0');

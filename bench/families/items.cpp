@@ -23,11 +23,11 @@ void item(benchmark::State &state, void (*print)()) {
 
 }  // namespace
 
-BENCHMARK_CAPTURE(item, devfacts / number, number_with_devfacts);
-BENCHMARK_CAPTURE(item, limit / number, write_line);
-BENCHMARK_CAPTURE(item, printf / number, number_with_printf);
-BENCHMARK_CAPTURE(item, devfacts / text, text_with_devfacts);
-BENCHMARK_CAPTURE(item, limit / text, write_line);
-BENCHMARK_CAPTURE(item, printf / text, text_with_printf);
-BENCHMARK_CAPTURE(item, devfacts / escaped, escaped_with_devfacts);
-BENCHMARK_CAPTURE(item, limit / escaped, write_line);
+BENCHMARK_CAPTURE(item, devfacts_number, number_with_devfacts)->Name("item/devfacts/number");
+BENCHMARK_CAPTURE(item, limit_number, write_line)->Name("item/limit/number");
+BENCHMARK_CAPTURE(item, printf_number, number_with_printf)->Name("item/printf/number");
+BENCHMARK_CAPTURE(item, devfacts_text, text_with_devfacts)->Name("item/devfacts/text");
+BENCHMARK_CAPTURE(item, limit_text, write_line)->Name("item/limit/text");
+BENCHMARK_CAPTURE(item, printf_text, text_with_printf)->Name("item/printf/text");
+BENCHMARK_CAPTURE(item, devfacts_escaped, escaped_with_devfacts)->Name("item/devfacts/escaped");
+BENCHMARK_CAPTURE(item, limit_escaped, write_line)->Name("item/limit/escaped");

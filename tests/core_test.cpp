@@ -14,34 +14,6 @@ TEST(die, prints_its_text_alone_and_flushes) {
   EXPECT_EQ(end, (ending{"pending", "answer is 42", 1}));
 }
 
-TEST(xml, texts_are_escaped) {
-  const char *text = "\x01\xc3\xa4'\"&<>&amp;";
-  const std::string escaped = "\x01\xc3\xa4&apos;&quot;&amp;&lt;&gt;&amp;amp;";
-  char buffer[64];
-  char *made = escape_xml(text, nullptr);
-  EXPECT_EQ(newest_size(), escaped.size() + 1);
-  EXPECT_EQ(made, escaped);
-  EXPECT_EQ(escape_xml(text, buffer), escaped);
-  test_free(made);
-}
-
-TEST(xml, items_are_lines) {
-  const ending end = run([] {
-    for (const char *value : {static_cast<const char *>(nullptr), "", "<&"}) {
-      xml_str_item("a<", value);
-      xml_str_esc_item("b", value);
-      ifi_xml_str_item("A", value);
-    }
-    xml_int64_item("d", INT64_MIN);
-    xml_int_item_opt("f", -7, 0x80);
-    xml_str_item(nullptr, "value");
-    xml_int_item_opt(nullptr, 7, 0);
-    ifi_xml_str_item(nullptr, "value");
-    EXPECT_EQ(live_blocks(), 0);
-  });
-  EXPECT_EQ(end, (ending{read_file("items.xml"), "", 0}));
-}
-
 TEST(addresses, are_six_groups_of_up_to_a_byte) {
   constexpr struct {
     const char *text, *result;  // and the bytes, of which those from the first bad group on are as before
@@ -114,17 +86,15 @@ TEST(scanner, a_stream_is_walked_from_its_start_and_left_at_the_end_of_the_walk)
 TEST(scanner, first_matches_are_32_bits_wide_or_a_copy) {
   constexpr struct {
     const char *text, *numbers;  // unsigned and signed, each with whether it is one
-  } cases[] = {
-      {"12", "12 1 12 1 "},
-      {" +7x", "7 1 7 1 "},
-      {"-1", "4294967295 1 -1 1 "},
-      {"2147483648", "2147483648 1 2147483647 0 "},
-      {"-2147483648", "2147483648 1 -2147483648 1 "},
-      {"4294967295", "4294967295 1 2147483647 0 "},
-      {"4294967296", "4294967295 0 2147483647 0 "},
-      {"-4294967295", "1 1 -2147483648 0 "},
-      {"99999999999999999999", "4294967295 0 2147483647 0 "},
-  };
+  } cases[] = {{"12", "12 1 12 1 "},
+               {" +7x", "7 1 7 1 "},
+               {"-1", "4294967295 1 -1 1 "},
+               {"2147483648", "2147483648 1 2147483647 0 "},
+               {"-2147483648", "2147483648 1 -2147483648 1 "},
+               {"4294967295", "4294967295 1 2147483647 0 "},
+               {"4294967296", "4294967295 0 2147483647 0 "},
+               {"-4294967295", "1 1 -2147483648 0 "},
+               {"99999999999999999999", "4294967295 0 2147483647 0 "}};
   for (const auto &each : cases) {
     std::string value = each.text;
     first_match_u32 u32{};

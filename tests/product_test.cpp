@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <regex>
 
 #include "platform/cfg_store.h"
@@ -83,6 +84,33 @@ TEST(configuration, many_keys) {
     cfg_destroy(handle);
     EXPECT_EQ(live_blocks(), 0);
   });
+}
+
+TEST(configuration, files_and_keys_have_limits) {
+  constexpr size_t limit = 1 << 20;
+  const struct {
+    std::string text;
+    uintmax_t size;
+    int result;
+  } cases[] = {
+      {"a=" + std::string(limit - 2, 'x'), limit, 0},
+      {"a=" + std::string(limit - 1, 'x'), limit + 1, -1},
+      {"a=b\n", UINT32_MAX - 1, -1},  // sparse; in 32 bits two bytes more are none
+      {std::string(511, 'k') + "=v", 513, 0},
+      {std::string(512, 'k') + "=v", 514, -1},
+  };
+  for (const auto &row : cases) {
+    for (const size_t read_size : {SIZE_MAX, size_t{65536}}) {
+      on_device([&] {
+        write_file("/f", row.text);
+        std::filesystem::resize_file("/f", row.size);
+        read_at_most(read_size);
+        cfg_handle handle = cfg_create();
+        EXPECT_EQ(cfg_read_file(handle, "/f"), row.result) << row.size;
+        cfg_destroy(handle);
+      });
+    }
+  }
 }
 
 TEST(identity, lines_go_into_buffers_of_any_length_or_not_at_all) {

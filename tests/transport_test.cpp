@@ -66,14 +66,11 @@ TEST(receiver, what_it_makes_of_datagrams) {
 }
 
 TEST(receiver, looks_only_at_the_bytes_received_and_at_what_is_in_the_set) {
-  const std::vector<char> unaligned(6, '\0');
+  const std::vector<char> zeros(5, '\0');
   for (const uint32_t size : {0U, 1U, 3U, 4U, 5U}) {
-    for (const char *datagram :
-         {static_cast<const char *>(nullptr), unaligned.data() + 6 - size}) {  // the sanitizer watches
-      uint32_t length = 7;
-      EXPECT_EQ(socket_input_extract(datagram, size, &length), nullptr);
-      EXPECT_EQ(length, 0U);
-    }
+    uint32_t length = 7;
+    EXPECT_EQ(socket_input_extract(zeros.data() + 5 - size, size, &length), nullptr);  // the sanitizer watches the end
+    EXPECT_EQ(length, 0U);
   }
   fail("recv", 1, EIO);
   constexpr int sets[][2] = {{5, 6}, {-1, 63}, {FD_SETSIZE, 0}, {100000, 0}};

@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "bytes.h"
 #include "faults.h"
+#include "process.h"
 
 static test::driver *installed = nullptr;
 

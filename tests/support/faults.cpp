@@ -22,7 +22,6 @@ struct {
   int remaining = 0;
 } armed;
 
-std::function<void(void *, size_t)> mapping_seen;
 size_t max_read = SIZE_MAX;
 std::set<uintptr_t> live;
 size_t newest = 0;
@@ -47,7 +46,6 @@ std::string test::calls_seen() { return armed.seen; }
 int test::failed_result() { return armed.error != 0 ? -1 : 0; }
 long test::live_blocks() { return static_cast<long>(live.size()); }
 size_t test::newest_size() { return newest; }
-void test::on_mapping(const std::function<void(void *, size_t)> &look) { mapping_seen = look; }
 void test::read_at_most(size_t count) { max_read = count; }
 
 template <class Result>
@@ -114,9 +112,7 @@ ssize_t test_read(int fd, void *bytes, size_t size) {
 }
 
 void *test_mmap64(void *hint, size_t size, int protection, int flags, int fd, off64_t offset) {
-  void *mapping = strikes("mmap") ? MAP_FAILED : mmap64(hint, size, protection, flags, fd, offset);
-  if (mapping_seen && mapping != MAP_FAILED) mapping_seen(mapping, size);
-  return mapping;
+  return strikes("mmap") ? MAP_FAILED : mmap64(hint, size, protection, flags, fd, offset);
 }
 
 int test_getsockname(int fd, sockaddr *address, socklen_t *size) {

@@ -1,7 +1,6 @@
 // Faults at the library's boundary: in the copy of the library that the tests link, its calls of the system come here.
 #pragma once
 
-#include <functional>
 #include <string>
 
 namespace test {
@@ -22,9 +21,6 @@ int failed_result();
 extern "C" void test_free(void *block);
 long live_blocks();
 size_t newest_size();
-
-// This sees each mapping that the library makes, before the library uses it.
-void on_mapping(const std::function<void(void *, size_t)> &look);
 
 // Files look like those of /proc: their size is 0, and one read returns at most this many bytes.
 void read_at_most(size_t count);

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "bytes.h"
+#include "process.h"
 
 namespace test {
 

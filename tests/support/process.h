@@ -1,19 +1,46 @@
-// Processes of their own, and the device that a case runs on.
+// Processes of their own, the device that a case runs on, and what is seen there as text.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "bytes.h"
-
 namespace test {
+
+// Big-endian is the device: a whole board, or an emulation of its user space.
+inline constexpr bool is_big_endian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
+inline const bool is_emulated = is_big_endian && std::getenv("BOARD") == nullptr;
+
+template <class T>
+std::string bytes_of(const T &record) {
+  return {reinterpret_cast<const char *>(&record), sizeof record};
+}
+
+inline std::string padded(std::string bytes) { return bytes.append(-bytes.size() % 4, '\0'); }
+
+// The bytes, each NUL as a dot; "-" for null.
+inline std::string shown(const void *bytes, size_t count) {
+  std::string text = bytes == nullptr ? "-" : std::string(static_cast<const char *>(bytes), count);
+  std::replace(text.begin(), text.end(), '\0', '.');
+  return text;
+}
+
+inline std::string text_or_none(const char *text) { return text == nullptr ? "(none)" : text; }
+
+// Numbers in decimal, each followed by a blank.
+template <class... Numbers>
+std::string listed(const Numbers &...numbers) {
+  return ((std::to_string(numbers) + " ") + ...);
+}
 
 // How a process ended: what it wrote, and its exit status, or 128 and the signal's number.
 struct ending {

@@ -6,14 +6,6 @@
 
 using namespace test;
 
-TEST(die, prints_its_text_alone_and_flushes) {
-  const ending end = run([] {
-    std::printf("pending");
-    die("%s is %d", "answer", 42);
-  });
-  EXPECT_EQ(end, (ending{"pending", "answer is 42", 1}));
-}
-
 TEST(addresses, are_six_groups_of_up_to_a_byte) {
   constexpr struct {
     const char *text, *result;  // and the bytes, of which those from the first bad group on are as before
@@ -54,7 +46,6 @@ TEST(scanner, lines_are_selected_and_split) {
       {"", "a=1\nword\nb=2", "[a/1]"},
       {"", "a\t=\tb\t\n\n\t\n k = v w\n\xa0:\xa0\na\tb\nb=2", "[a/b][k/v w][\xa0/\xa0]"},
       {"b c", "b=2\nb c=3\nb cd 4\nb cword\nb c=5", "[b c/3][b/cd 4][b/cword][b c/5]"},
-      {"b", "a=1\nb=last\nb=2", "[b/last]"},
       {"", longest + "\nc=3\n", "[a/vvvvvvvvvvvvvvvvvvvv][c/3]"},
       {"", longest + "x=2\nc=3\n", "[a/vvvvvvvvvvvvvvvvvvvv][x/2][c/3]"},
   };

@@ -76,9 +76,7 @@ void *test_realloc(void *block, size_t size) {
   live.insert(hidden(made));
   return made;
 }
-
 void *test_malloc(size_t size) { return test_realloc(nullptr, size); }
-
 void *test_calloc(size_t count, size_t size) {
   void *made = test_realloc(nullptr, count * size);
   return made == nullptr ? nullptr : std::memset(made, 0, count * size);
@@ -89,9 +87,7 @@ char *test_strndup(const char *text, size_t max) {
   void *made = test_calloc(length + 1, 1);
   return static_cast<char *>(made == nullptr ? nullptr : std::memcpy(made, text, length));
 }
-
 char *test_strdup(const char *text) { return test_strndup(text, std::strlen(text)); }
-
 void test::test_free(void *block) {
   live.erase(hidden(block));
   free(block);
@@ -102,15 +98,12 @@ int test_fstat64(int fd, struct stat64 *status) {
   if (max_read != SIZE_MAX) status->st_size = 0;
   return result;
 }
-
 int test_posix_fallocate64(int fd, off64_t offset, off64_t size) {
   return strikes("posix_fallocate") ? armed.error : posix_fallocate64(fd, offset, size);
 }
-
 ssize_t test_read(int fd, void *bytes, size_t size) {
   return strikes("read") ? test::failed_result() : read(fd, bytes, std::min(size, max_read));
 }
-
 void *test_mmap64(void *hint, size_t size, int protection, int flags, int fd, off64_t offset) {
   return strikes("mmap") ? MAP_FAILED : mmap64(hint, size, protection, flags, fd, offset);
 }
@@ -120,7 +113,6 @@ int test_getsockname(int fd, sockaddr *address, socklen_t *size) {
   *size = 0;
   return test::failed_result();
 }
-
 void test_exit(int status) {
   std::fflush(nullptr);
   _exit(status);

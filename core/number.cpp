@@ -5,30 +5,22 @@
 
 namespace {
 
-// As strtoul: a minus sign negates a number modulo 2^32, and out of range is the maximum.
-uint32_t cut(long long number, uint32_t /*type*/) {
-  constexpr long long max = UINT32_MAX;
-  if (number >= -max && number <= max) return static_cast<uint32_t>(number);
-  errno = ERANGE;
-  return UINT32_MAX;
-}
-
-int32_t cut(long long number, int32_t /*type*/) {
-  if (number >= INT32_MIN && number <= INT32_MAX) return static_cast<int32_t>(number);
-  errno = ERANGE;
-  return number < 0 ? INT32_MIN : INT32_MAX;
-}
-
-template <class Number>
-bool parse(const char *text, Number &number) {
+// A minus sign makes a negative number of an unsigned one, which is taken modulo 2^32; beyond that is the largest.
+bool parse(const char *text, bool is_signed, uint32_t &number) {
   char *end = nullptr;
   errno = 0;
-  number = cut(std::strtoll(text, &end, 10), Number{});
-  return errno == 0 && end != text;
+  const long long value = std::strtoll(text, &end, 10);
+  const long long max = is_signed ? INT32_MAX : UINT32_MAX;
+  const long long min = is_signed ? INT32_MIN : -max;
+  const bool is_within = value >= min && value <= max;
+  number = static_cast<uint32_t>(is_within ? value : is_signed && value < 0 ? min : max);
+  return is_within && errno == 0 && end != text;
 }
 
 }  // namespace
 
-bool devfacts::parse_number(const char *text, uint32_t &number) { return parse(text, number); }
+bool devfacts::parse_number(const char *text, uint32_t &number) { return parse(text, false, number); }
 
-bool devfacts::parse_number(const char *text, int32_t &number) { return parse(text, number); }
+bool devfacts::parse_number(const char *text, int32_t &number) {
+  return parse(text, true, reinterpret_cast<uint32_t &>(number));
+}

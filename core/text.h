@@ -3,8 +3,6 @@
 
 namespace devfacts {
 
-constexpr char white_space[] = " \t\n\v\f\r";
-
 constexpr bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 constexpr bool starts_with(const char *text, const char *start) {

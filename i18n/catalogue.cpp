@@ -59,7 +59,9 @@ int set_po_access_path(const char *catalogue, const char *base_dir) {
   line_reader file("/etc/lang", max_line);
   char *language = file.next();
   if (language == nullptr) return -1;
-  language[std::strcspn(language, white_space)] = '\0';
+  char *end = language;
+  while (*end != '\0' && !is_space(*end)) ++end;
+  *end = '\0';
   // A longer path is cut; what cannot be in it is not even read.
   constexpr char form[] = "%.4095s/%s/%.4095s.po";
   return std::snprintf(po_access_path, text_size, form, base_dir, language, catalogue) > 0 ? 0 : -1;

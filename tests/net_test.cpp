@@ -161,20 +161,3 @@ TEST(crafted_dump, every_field_and_what_is_missing) {
   EXPECT_EQ(end.err, "!!!Deficit -16, rta_len=0\n!!!Deficit -10, rta_len=0\n!!!Deficit -8, rta_len=0\n");
   EXPECT_EQ(end.status, 0);
 }
-
-TEST(crafted_dump, owners_are_those_that_a_search_finds) {
-  const struct {
-    std::vector<int> indices;
-    const char *owners;
-  } cases[] = {{{5, 9, 31}, "xxx"}, {{31, 9, 5}, "xxx"}, {{9, 5, 9}, "xx-"}, {{5, 31, 31}, "xx-"}, {{-9, 6}, "--"}};
-  std::string addresses;
-  for (const uint32_t index : {9, 31, 5, 4, 9, 65536 + 5}) addresses += address(index, AF_INET, "");
-  const auto print_owner = [](const ifi_entry &entry) { std::printf(entry.addrs.next != &entry.addrs ? "x" : "-"); };
-  for (const auto &each : cases) {
-    std::string links;
-    for (const int index : each.indices) links += link(index, 0, "");
-    for (int i = 0; i < 200; ++i) links += link(300 + i, 0, "");
-    const ending end = run([&] { with_dump(links, addresses, print_owner); });
-    EXPECT_EQ(end, (ending{each.owners + std::string(200, '-'), "", 0}));
-  }
-}

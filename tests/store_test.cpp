@@ -131,6 +131,17 @@ TEST(records, the_table_grows_to_twice_the_id) {
   }
 }
 
+TEST(records, elements_are_counted_by_id) {
+  constexpr std::pair<int, uint32_t> counts[] = {{-1, 0}, {0, 0}, {1, 24}, {5, 6}, {7, 3}, {26, 2}, {35, 0}, {36, 0}};
+  for (const auto &[id, expected] : counts) {
+    const void *data = "";
+    uint32_t count = 1;
+    put(id, std::string(24, 'x'));
+    EXPECT_EQ(eeprom_get(id, &data, &count), expected == 0 ? 0 : 1) << id;
+    EXPECT_EQ(count, expected) << id;
+  }
+}
+
 TEST(eeprom, thousands_of_operations_end_as_the_model_says) {
   on_device([] {
     std::mt19937 random(20);

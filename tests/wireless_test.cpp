@@ -18,6 +18,11 @@ TEST(wireless, names_reach_the_driver_cut_and_a_word_with_the_private_request) {
   EXPECT_EQ(device.log, "8b01  0 0\n8b01 radio0123456789 0 0\n8b01 radio0123456789  0 0\n8bed r 2048 0\n");
   fail("ioctl", 1, EPERM);
   EXPECT_EQ(iw_get_channels("r", 0x12345678, buffer), -1);
+  for (const int failing : {1, 2}) {  // the frequency, the range
+    iw_status status{};
+    fail("ioctl", failing, EPERM);
+    EXPECT_EQ(iw_freq_channel(&status, "r"), -1);
+  }
   EXPECT_EQ(close(control), 0) << "the control socket was closed";
 }
 

@@ -14,9 +14,9 @@ constexpr char entities[][max_length + 2] = {"", "&gt;", "&quot;", "&lt;", "", "
 
 constexpr size_t slot_of(uint8_t byte) { return (byte ^ byte >> 2) % 8; }
 
-// How many bytes replace each byte in XML, of those that may be replaced; the table ends after ">".
+// How many bytes replace each byte in XML.
 struct length_table {
-  uint8_t of['>' + 1];
+  uint8_t of[256];
 };
 
 constexpr length_table make_lengths() {
@@ -32,22 +32,20 @@ constexpr length_table make_lengths() {
 constexpr length_table lengths = make_lengths();
 
 // A character is no index: it may be signed.
-constexpr uint8_t length_of(char byte) {
-  const auto index = static_cast<uint8_t>(byte);
-  return index < sizeof lengths.of ? lengths.of[index] : 1;
-}
+constexpr uint8_t length_of(char byte) { return lengths.of[static_cast<uint8_t>(byte)]; }
 static_assert(length_of('\'') == 6 && length_of('"') == 6 && length_of('&') == 5 && length_of('<') == 4 &&
               length_of('>') == 4 && length_of('#') == 1);
 
 // The bytes that the escaped text needs with its NUL, and the end of the text; 0 if no allocation can be that large.
 size_t escaped_size(const char *&src) {
-  size_t size = 0, more = 1;
-  for (; *src != '\0'; ++src, ++size) {
-    if (static_cast<uint8_t>(*src) > '>') continue;
-    more += length_of(*src) - size_t{1};
-    if (more > PTRDIFF_MAX) return 0;
+  size_t size = 1;
+  const auto *byte = reinterpret_cast<const uint8_t *>(src);
+  for (; *byte != 0; ++byte) {
+    size += lengths.of[*byte];
+    if (size > PTRDIFF_MAX) return 0;
   }
-  return __builtin_add_overflow(size, more, &size) ? 0 : size;
+  src = reinterpret_cast<const char *>(byte);
+  return size;
 }
 
 // Eight bytes at any address, in as many registers as they take.

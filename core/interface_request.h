@@ -4,19 +4,18 @@
 #include <devfacts/core.h>
 #include <sys/ioctl.h>
 
-#include <cstring>
+#include <cstddef>
 
 namespace devfacts {
 
-constexpr size_t request_name_size = 16;  // IFNAMSIZ; not included, as <net/if.h> and <linux/if.h> conflict
+// Clears a request, a struct ifreq or iwreq, and puts the name into its first bytes. A longer name is cut, without a
+// NUL then.
+void prepare_request(void *request, size_t size, const char *name);
 
-// A cleared request, a struct ifreq or iwreq, with the name in its first bytes. A longer name is cut, without a NUL
-// then.
 template <class Request>
 Request make_request(const char *name) {
   Request request;
-  std::memset(&request, 0, sizeof request);
-  std::memcpy(&request, name, strnlen(name, request_name_size));
+  prepare_request(&request, sizeof request, name);
   return request;
 }
 

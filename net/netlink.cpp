@@ -121,7 +121,7 @@ void nl_recv(nl_handle *handle, nl_callback callback) {
     int64_t remaining = received;
     if (walk(buffer, remaining, callback) == walk_end::dump_done) return;
     if ((envelope.msg_flags & MSG_TRUNC) != 0) {
-      std::fputs("truncated message ?\n", stderr);
+      std::fprintf(stderr, "truncated message ?\n");
     } else if (remaining != 0) {
       die("netlink packet remains %d bytes, not parsed.\n", static_cast<int>(remaining));
     }

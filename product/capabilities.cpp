@@ -55,7 +55,7 @@ void set_word(Slot &slot, uint32_t value) {
 }
 
 void get_field(void *record, const caps_field &field, cfg_handle cfg, const char *prefix) {
-  const key_text key{"%s.%s", prefix, field.name};
+  const key_text key{"%s.%s", prefix, field.name.text()};
   if (cfg_key_exists(cfg, key.text) == 0) return;
   void *slot = at(record, field.offset);
   switch (field.type) {
@@ -112,7 +112,7 @@ void load_list(void *owner, const caps_list &list, cfg_handle cfg, const char *p
 void load_row(void *row, const caps_list &list, cfg_handle cfg, const char *prefix) {
   for (const caps_field &field : list.fields) get_field(row, field, cfg, prefix);
   if (list.inner != nullptr) {
-    load_list(row, *list.inner, cfg, key_text{"%s.%s", prefix, list.inner_name}.text);
+    load_list(row, *list.inner, cfg, key_text{"%s.%s", prefix, list.inner_name.text()}.text);
   }
   if (list.finish != nullptr) list.finish(row);
 }
@@ -120,7 +120,7 @@ void load_row(void *row, const caps_list &list, cfg_handle cfg, const char *pref
 // Without memory for a row the whole list goes and the walk ends.
 void load_list(void *owner, const caps_list &list, cfg_handle cfg, const char *prefix) {
   row_array array;
-  cfg_iterator *const first = cfg_create_index_iterator(cfg, prefix, list.suffix);
+  cfg_iterator *const first = cfg_create_index_iterator(cfg, prefix, list.suffix.text());
   for (cfg_iterator *walk = first; walk != nullptr; walk = walk->next(walk)) {
     const int index = walk->index(walk);
     void *row = array.add(list);
@@ -139,8 +139,8 @@ void load_list(void *owner, const caps_list &list, cfg_handle cfg, const char *p
 void load(cfg_handle cfg) {
   product_caps.loaded = 1;  // from here on parts can be missing, but nothing fails as a whole
   for (const caps_section &section : caps_sections) {
-    for (const caps_field &field : section.fields) get_field(&product_caps, field, cfg, section.prefix);
-    if (section.list != nullptr) load_list(&product_caps, *section.list, cfg, section.prefix);
+    for (const caps_field &field : section.fields) get_field(&product_caps, field, cfg, section.prefix.text());
+    if (section.list != nullptr) load_list(&product_caps, *section.list, cfg, section.prefix.text());
   }
 }
 

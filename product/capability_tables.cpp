@@ -104,15 +104,15 @@ constexpr caps_list ranges{.suffix = "range",
 constexpr caps_list radios{.suffix = "master",
                            ROWS(product_caps_t, radio_count, radios, caps_radio),
                            .fields = radio_fields,
-                           .inner_name = "frequency",
-                           .inner = &ranges};
+                           .inner = &ranges,
+                           .inner_name = "frequency"};
 constexpr caps_list limit_freqs{
     .suffix = "frequency", ROWS(caps_limit_table, freq_count, freqs, caps_limit_freq), .fields = limit_freq_fields};
 constexpr caps_list limit_tables{.suffix = "table-name",
                                  ROWS(product_caps_t, limit_table_count, limit_tables, caps_limit_table),
                                  .fields = limit_table_fields,
-                                 .inner_name = "table",
-                                 .inner = &limit_freqs};
+                                 .inner = &limit_freqs,
+                                 .inner_name = "table"};
 constexpr caps_list led_lan{
     .suffix = "name", ROWS(product_caps_t, led_lan_count, led_lan, caps_led), .fields = led_lan_fields};
 constexpr caps_list led_rssi{

@@ -18,7 +18,7 @@ using namespace devfacts;
 namespace {
 
 constexpr uint32_t initial_capacity = 35;
-constexpr off_t image_offset = 4096;
+constexpr uint32_t image_offset = 4096;
 constexpr size_t step = sizeof(image_header);
 constexpr size_t block_steps = 1024;
 
@@ -70,7 +70,7 @@ void eeprom_write() {
   const size_t size = eeprom_image_size();
   if (size < min_image_size || size > max_image_size) return;
   unique_fd store = open_store();
-  const auto count = static_cast<off_t>(size);
+  const auto count = static_cast<uint32_t>(size);
   if (!store || !reserve_range(store.get(), image_offset, count) || !is_readable(store.get(), image_offset, count))
     return;
   void *mapping = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, store.get(), image_offset);

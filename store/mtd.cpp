@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "core/owner.h"
+#include "core/text.h"
 
 using namespace devfacts;
 
@@ -34,7 +35,7 @@ struct list_line {
 bool split(char *line, list_line &fields) {
   fields.device = strsep(&line, " ");
   for (int skipped = 0; skipped < 2; ++skipped) strsep(&line, " ");  // size and erase size
-  if (line == nullptr || std::strncmp(fields.device, "mtd", 3) != 0) return false;
+  if (line == nullptr || !starts_with(fields.device, "mtd")) return false;
   const size_t length = std::strlen(line);
   if (length == 0 || (line[0] != '"' && line[length - 1] != '"')) return false;
   line[length - 1] = '\0';

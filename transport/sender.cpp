@@ -77,19 +77,23 @@ bool connect_to(const char *path) {
   return true;
 }
 
-int64_t milliseconds() {
+// Wraps around: only differences count.
+uint32_t milliseconds() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
-  return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+  return static_cast<uint32_t>(now.tv_sec) * 1000 + static_cast<uint32_t>(now.tv_nsec) / 1000000;
 }
 
 // As with select, for a descriptor that a set can't hold.
 bool poll_writable(int fd) {
-  const int64_t end = milliseconds() + wait_seconds * 1000;
+  constexpr uint32_t timeout = wait_seconds * 1000;
+  const uint32_t start = milliseconds();
   pollfd slot{fd, POLLOUT, 0};
+  uint32_t passed = 0;
   int ready = 0;
   do {
-    ready = poll(&slot, 1, static_cast<int>(std::max<int64_t>(end - milliseconds(), 0)));
+    ready = poll(&slot, 1, static_cast<int>(timeout - passed));
+    passed = std::min(milliseconds() - start, timeout);
   } while (ready < 0 && errno == EINTR);
   return ready > 0 && (slot.revents & (POLLOUT | POLLERR)) != 0;
 }

@@ -10,7 +10,7 @@ if(DEVFACTS_IS_MIPS)
 endif()
 option(DEVFACTS_STACK_PROTECTOR "Check the stack for overruns (-fstack-protector-strong)" ${default})
 option(DEVFACTS_RELRO "Make the GOT read-only after the start; on MIPS for kernels with pages of 4 KiB only" ${default})
-option(DEVFACTS_FORTIFY "Use the C library's checked calls (_FORTIFY_SOURCE=2) in optimised builds without sanitizers" ${default})
+option(DEVFACTS_FORTIFY "Use the C library's checked calls (_FORTIFY_SOURCE=2) in optimised builds without sanitizers" ON)
 
 include(CheckCompilerFlag)
 include(CheckPIESupported)

@@ -45,9 +45,9 @@ int with_fgets() {
 int with_getline() {
   int count = 0;
   char *line = nullptr;
-  size_t room = 0;
+  size_t capacity = 0;
   FILE *file = std::fopen(path, "r");
-  for (ssize_t length = 0; (length = getline(&line, &room, file)) > 0;) {
+  for (ssize_t length = 0; (length = getline(&line, &capacity, file)) > 0;) {
     char *value = std::strchr(line, ':');
     if (value == nullptr) break;
     line[length - 1] = *value = '\0';

@@ -23,8 +23,8 @@ void *copy_of(const nlattr *attribute) {
   return copy;
 }
 
-void copy_into(uint8_t (&room)[6], const nlattr *attribute) {
-  std::memcpy(room, mnl_attr_get_payload(attribute), std::min<size_t>(mnl_attr_get_payload_len(attribute), 6));
+void copy_into(uint8_t (&destination)[6], const nlattr *attribute) {
+  std::memcpy(destination, mnl_attr_get_payload(attribute), std::min<size_t>(mnl_attr_get_payload_len(attribute), 6));
 }
 
 int keep_link_attribute(const nlattr *attribute, void *data) {

@@ -233,6 +233,20 @@ TEST(eeprom, every_torn_state_of_a_write_loads_as_what_it_holds) {
   });
 }
 
+TEST(eeprom, a_write_of_what_is_stored_dirties_no_page) {
+  on_device([] {
+    write_file(store_file, "");
+    load_anew();
+    put(1, std::string(6000, 'a'));
+    eeprom_write();
+    const timespec long_ago[] = {{1, 0}, {1, 0}};
+    utimensat(0, store_file, long_ago, 0);
+    eeprom_write();
+    struct stat status {};
+    EXPECT_TRUE(stat(store_file, &status) == 0 && status.st_mtime == 1);
+  });
+}
+
 TEST(eeprom, an_image_that_does_not_fit_is_not_written) {
   constexpr struct {
     unsigned store, image;  // their sizes; an image is stored behind the first page

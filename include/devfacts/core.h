@@ -40,9 +40,9 @@ DEVFACTS_API int set_coe(int fd);
  * @return the result of fcntl(F_SETFL), never negative: if it fails, die() with "cannot set O_NONBLOCK flags.\n". */
 DEVFACTS_API int set_bio(int fd);
 
-/** Makes a descriptor non-blocking: sets O_NONBLOCK; otherwise as set_bio(), with the same words on failure.
+/** Makes a descriptor non-blocking: sets O_NONBLOCK. Its other status flags stay as they are.
  * @param fd an open descriptor.
- * @return the result of fcntl(F_SETFL), never negative. */
+ * @return the result of fcntl(F_SETFL), never negative: if it fails, die() as set_bio(), with the same text. */
 DEVFACTS_API int set_nio(int fd);
 
 /** Returns the control socket, which is opened if it is not open.
@@ -80,7 +80,8 @@ DEVFACTS_API char *triml_string(const char *str);
  * trimr_string() first.
  * @param[out] addr six bytes.
  * @param text the text, not null.
- * @return 0; -1 if @p text is not such an address: the groups before the error are stored. errno is changed. */
+ * @return 0; -1 if @p text is not such an address: the groups before the error are stored, but not one with a wrong
+ * character after it. errno is changed. */
 DEVFACTS_API int parse_macaddr(uint8_t *addr, const char *text);
 
 /** @} */
@@ -110,7 +111,7 @@ DEVFACTS_API void xml_int_item(const char *name, int32_t value);
 /** Prints a signed number that may be absent.
  * @param name the element; null is allowed only for an absent number, and prints nothing.
  * @param value the number; ignored if it is absent.
- * @param present 0 if the number is absent: "N/A" is printed. */
+ * @param present 0 if the number is absent: "N/A" is printed, if there is a name. */
 DEVFACTS_API void xml_int_item_opt(const char *name, int32_t value, uint8_t present);
 
 /** Prints a signed 64-bit number. @param name the element, not null. @param value the number. */
@@ -122,8 +123,8 @@ DEVFACTS_API void xml_int64_item(const char *name, int64_t value);
 DEVFACTS_API void xml_double_item(const char *name, double value);
 
 /** Escapes a text for XML.
- * Apostrophes, quotation marks, ampersands, less-than and greater-than signs become entities. All other bytes stay,
- * control bytes and UTF-8 included. A text that is already escaped is escaped again.
+ * Apostrophes, quotation marks, ampersands, less-than and greater-than signs become `&apos;`, `&quot;`, `&amp;`, `&lt;`
+ * and `&gt;`. All other bytes stay, control bytes and UTF-8 included. A text that is already escaped is escaped again.
  * @param src the text, not null. It does not overlap @p dst.
  * @param[out] dst null, or a buffer; six times the length of @p src plus 1 bytes are always enough.
  * @return @p dst. If it is null, an allocation of the exact size, which the caller frees; null without memory. */
@@ -142,7 +143,7 @@ DEVFACTS_API char *escape_xml(const char *src, char *dst);
  *
  * A prefix selects the lines that begin with it; null and "" select all. It is compared before the line is split, so it
  * may be longer than the key. A selected line that cannot be split ends the walk without a sign. A piece of an overlong
- * line may be such a line: always pass a prefix.
+ * line may be such a line: pass a prefix, with which few pieces begin.
  *
  * A file that cannot be opened is like an empty one, and a read error like the end. To tell these apart, use fopen(),
  * iterate_raw(), then ferror(). Opening a named pipe waits for its writer.
@@ -158,8 +159,8 @@ typedef int (*iterate_callback)(void *context, char *key, char *value);
 
 /** The first number; clear it before the walk. */
 typedef struct first_match_u32 {
-  uint32_t value; /**< the number; for a signed one, (int32_t)value. Means nothing while found is 0 */
-  uint8_t found;  /**< 1 if a line was selected and its value is a number */
+  uint32_t value; /**< the number; for a signed one, (int32_t)value. With found 0: see the callbacks */
+  uint8_t found;  /**< 1 if a line was selected and its value is a number in range */
 } first_match_u32;
 
 /** The first text; clear it before the walk. */
@@ -233,7 +234,7 @@ DEVFACTS_API int __return_first_match_in_string(void *context, char *key, char *
 DEVFACTS_API void keyvalue(const char *path, const char *prefix, keyval_list *list);
 
 /** Releases the values and rows of a list and makes it empty, with rows null.
- * @param list what keyvalue() filled. If it is null or its count is 0, nothing happens. */
+ * @param list what keyvalue() filled. If it is null or its count is 0, nothing happens, and rows is not cleared. */
 DEVFACTS_API void keyval_destroy(keyval_list *list);
 
 /** @} */

@@ -4,10 +4,10 @@
  * Table and store are process-wide: use them from one thread and from one process at a time. Payloads are bytes, whose
  * meaning is the programs' business.
  * @code
- * eeprom_init();                        // the table as it was stored
- * eeprom_get(5, &data, &count);         // reads a record
- * eeprom_update(5, data, sizeof data);  // replaces it in the table
- * eeprom_write();                       // stores the table
+ * eeprom_init();                          // the table as it was stored
+ * eeprom_get(5, &data, &count);           // reads a record
+ * eeprom_update(5, bytes, sizeof bytes);  // replaces it in the table
+ * eeprom_write();                         // stores the table
  * eeprom_free();
  * @endcode
  * @{ */
@@ -38,7 +38,7 @@ typedef int (*eeprom_callback)(const eeprom_record *record);
  * Without a slot for the id the table grows to twice the id, at most 65535 slots.
  * @param id 0 to 65534.
  * @param data the bytes, not a part of the record that is replaced; ignored if @p size is 0.
- * @param size at most 65531. If 0, nothing happens, whatever the id: an old record stays.
+ * @param size at most 65531. If 0, nothing happens and the result is 0, whatever the id: an old record stays.
  * @return 0. -1 if the id or size is not allowed, or without memory for slots: the table is unchanged. -1 without
  * memory for the record: the old one is lost. */
 DEVFACTS_API int eeprom_update(int32_t id, const void *data, uint32_t size);
@@ -70,12 +70,12 @@ DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
  * @ingroup store
  * Where the records are stored, and what a power cut does to them.
  *
- * The store is the flash partition "Factory" if the device has one, otherwise the file /var/cfg/.eeprom. It is opened
- * for reading and writing even by eeprom_init(), which so needs the permission to write. If its folder exists, the file
- * is created, sized to 65536 bytes and set to mode 0644 whenever it is not so, and links are followed: /var/cfg must
- * belong to root alone. "open() failed", "ftruncate() failed" and "fchmod() failed" go to standard error, with the
- * errno text as perror() writes it; only the first ends the call. If RLIMIT_FSIZE is below 65536, SIGXFSZ ends
- * the process.
+ * The store is the flash partition "Factory" if it can be opened, otherwise the file /var/cfg/.eeprom. It is opened for
+ * reading and writing even by eeprom_init(), which so needs the permission to write. If its folder exists, the file is
+ * created, sized to 65536 bytes (a longer one is cut) and set to mode 0644 whenever it is not so, and links are
+ * followed: /var/cfg must belong to root alone. "open() failed", "ftruncate() failed" and "fchmod() failed" go to
+ * standard error, with the errno text as perror() writes it; only the first ends the call. If RLIMIT_FSIZE is below
+ * 65536, SIGXFSZ ends the process.
  *
  * eeprom_write() overwrites the one image in place, and the image has no checksum. A power cut or a kill during it can
  * leave any mixture of old and new bytes, on flash also of neither. eeprom_init() never reads outside an image, but a
@@ -91,8 +91,8 @@ DEVFACTS_API void eeprom_for_each(eeprom_callback callback);
  *
  * The records that the table held are forgotten, not released: call eeprom_free() first. They may be the only good copy
  * left after a failed eeprom_write().
- * @return 0 if an image was loaded whole. -1 without memory, a store or an image: the table is empty and can be filled.
- * -1 also with damaged images only: it has the records before the damage.
+ * @return 0 if an image was loaded whole. -1 without memory, without a store or without an image: the table is empty
+ * and can be filled. -1 also with damaged images only: it has the records before the damage.
  * @par Cost
  * As much stack as the image has bytes, at most 65 KiB: a thread needs 96 KiB. Of a crafted store up to 4096 times its
  * size is read, once for each possible start of an image. */
@@ -109,11 +109,11 @@ DEVFACTS_API void eeprom_read(const char *path);
 /** Stores the table as an image at byte 4096 of the store. It returns when the bytes are on the medium (msync()).
  * Only bytes that differ are written, but flash is erased and rewritten in whole blocks around them.
  *
- * Failures are silent. To be sure, load the store again and compare, but keep a copy of the records: eeprom_init()
- * drops the table. Nothing is written
+ * Failures are silent, except for those of opening the file (see above). To be sure, load the store again and compare,
+ * but keep a copy of the records: eeprom_init() drops the table. Nothing is written
  * - of a table without records: the old image stays, and eeprom_init() loads it again;
  * - of an image that does not fit (61440 bytes in the file; in a partition what follows byte 4096) or is longer than
- *   65535 bytes: 16 bytes, and each record's length up to a multiple of 4;
+ *   65535 bytes. Its size is 16 bytes plus each record's length, rounded up to a multiple of 4;
  * - if the store cannot be read, or mapped shared (some file systems cannot), or if its file has holes and the file
  *   system is full.
  *
@@ -121,7 +121,8 @@ DEVFACTS_API void eeprom_read(const char *path);
 DEVFACTS_API void eeprom_write(void);
 
 /** Opens the block device of a flash partition for reading and writing.
- * It is /dev/mtdblockN. N comes from the first 2047 bytes of /proc/mtd, up to the first line that is not of its form.
+ * It is /dev/mtdblockN. N comes from the first 2047 bytes of /proc/mtd, after its heading line and up to the first line
+ * that is not of its form.
  * @param name the partition's exact name.
  * @return a descriptor, inherited across exec(), which the caller closes; -1 if there is no such partition or it cannot
  * be opened. */

@@ -38,7 +38,7 @@ enum {
 typedef int (*socket_callback)(const void *payload, uint32_t length);
 
 /** Makes the named socket of a receiver. Whatever file is at the path is removed first.
- * @param path 1 to 107 characters.
+ * @param path 1 to 107 bytes.
  * @return a descriptor in blocking mode, inherited across exec(), for socket_input_shutdown(). -1 if no socket can be
  * made (not logged), or if it cannot get the name: level 1, "Cannot create '%s' UNIX socket.\n" with the path and
  * errno. A longer path is the latter, with ENAMETOOLONG, and nothing is removed. */
@@ -102,12 +102,12 @@ DEVFACTS_API const void *socket_input_extract(const void *buffer, uint32_t size,
  * for certain only if the result and errno are 0 (examples/sender.c). A signal can leave EINTR although it was sent.
  * Nothing shows whether it is read.
  *
- * The call waits at most 2 seconds for a full queue, and does not try again: -1 can come at once, if another sender
- * fills the queue after the wait. If O_NONBLOCK cannot be set, it can wait longer; standard error then gets
+ * The call waits at most 2 seconds for a full queue, then sends once: if another sender fills the queue in between, the
+ * result is -1 without a second wait. If O_NONBLOCK cannot be set, it can wait longer; standard error then gets
  * "set_nonblock: can't fcntl(F_GETFL) socket" or "set_nonblock: can't fcntl(F_SETFL) socket" and the errno text.
  * @param data the payload, which is copied.
  * @param size its bytes. A receiver drops more than SOCKET_PAYLOAD_MAX.
- * @param path the receiver's socket, at most 107 characters; a longer one fails to connect with ENAMETOOLONG.
+ * @param path the receiver's socket, at most 107 bytes; a longer one fails to connect with ENAMETOOLONG.
  * @return 0, see above. -1, logged at level 1, if @p data is null or @p size 0 ("Wrong parameters\n"), without memory
  * ("Failed memory allocation\n"), both followed by
  * "Unable create data container for sending data to the socket\n", and if the message was not sent whole

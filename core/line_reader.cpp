@@ -21,6 +21,7 @@ char *find_newline(char *text, const char *end) {
 
 }  // namespace
 
+// cppcheck-suppress uninitMemberVar  ; the buffer is not cleared
 line_reader::line_reader(const char *path, size_t max_line)
     : file_(open(path, O_RDONLY | O_CLOEXEC)), max_line_(max_line) {}
 

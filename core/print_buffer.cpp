@@ -10,7 +10,7 @@ namespace {
 // takes the device many cycles.
 char *digits_before(char *end, uint32_t number) {
   do {
-    const auto tenth = static_cast<uint32_t>(uint64_t{number} * 0xCCCCCCCD >> 35);
+    const auto tenth = static_cast<uint32_t>(static_cast<uint64_t>(number) * 0xCCCCCCCDULL >> 35);
     *--end = static_cast<char>('0' + (number - tenth * 10));
     number = tenth;
   } while (number != 0);

@@ -10,7 +10,8 @@ namespace devfacts {
 // never divided between two writes.
 class print_buffer {
  public:
-  print_buffer() {}  // the text is not cleared
+  // cppcheck-suppress uninitMemberVar  ; the text is not cleared
+  print_buffer() {}
   print_buffer(const print_buffer &) = delete;
   print_buffer &operator=(const print_buffer &) = delete;
   ~print_buffer() { flush(); }

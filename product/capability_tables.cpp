@@ -12,7 +12,7 @@ consteval slot_type type_of(const caps_u32 & /*slot*/) { return slot_type::u32; 
 consteval slot_type type_of(const caps_bool & /*slot*/) { return slot_type::boolean; }
 
 #define FIELD(record, member, name) \
-  { name, offsetof(record, member), type_of(record{}.member) }
+  { name, offsetof(record, member), type_of(decltype(record::member){}) }
 
 constexpr caps_field product_fields[] = {
     FIELD(product_caps_t, id, "id"),

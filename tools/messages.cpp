@@ -94,7 +94,7 @@ exit_status fail(const char *what, const char *path, const char *reason) {
 
 bool can_connect(const char *path) {
   sockaddr_un address{AF_UNIX, {}};
-  std::strcpy(address.sun_path, path);
+  std::strncpy(address.sun_path, path, sizeof address.sun_path - 1);
   const unique_fd fd{socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
   return connect(fd.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
 }

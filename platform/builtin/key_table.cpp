@@ -18,7 +18,7 @@ using namespace devfacts;
 namespace {
 
 // Anyone who can write a file chooses its size and keys. These limits bound the memory and the time that one takes.
-constexpr off_t max_file_size = 1024 * 1024;
+constexpr off_t max_file_size = off_t{1024} * 1024;
 constexpr ptrdiff_t max_key_length = 511;
 
 // Opened without waiting, so that a pipe is refused like anything else that is not a regular file.

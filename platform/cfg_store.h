@@ -36,7 +36,7 @@ DEVFACTS_API cfg_handle cfg_create(void);
 /** Releases a store and all its texts. @param store not null; its iterators have been released. */
 DEVFACTS_API void cfg_destroy(cfg_handle store);
 
-/** Loads a file into a store. Its keys replace those that the store has; texts returned before stay valid.
+/** Loads a file into a store. Its keys replace those of the same name; texts returned before stay valid.
  * The stand-in reads lines "key=value" that end with LF, CR LF or the end of the file. Blanks before a key are
  * skipped, a key contains no blanks, and the value is all after the first "=", blanks included. Empty lines and lines
  * that begin with "#" are skipped, and the last line of a key counts. Any other line, a key of more than 511
@@ -47,12 +47,15 @@ DEVFACTS_API void cfg_destroy(cfg_handle store);
  * is success. */
 DEVFACTS_API int cfg_read_file(cfg_handle store, const char *path);
 
-/** Checks for a key. @param store the store. @param format the key, see above. @return non-zero if it is there. */
+/** Checks for a key.
+ * @param store the store.
+ * @param format the key, a format (see @ref cfg_store).
+ * @return non-zero if it is there. */
 DEVFACTS_API int cfg_key_exists(cfg_handle store, const char *format, ...);
 
 /** Returns a key's text.
  * @param store the store.
- * @param format the key, see above.
+ * @param format the key, a format (see @ref cfg_store).
  * @return the text, which belongs to the store until cfg_destroy(); null if there is no such key. */
 DEVFACTS_API const char *cfg_get(cfg_handle store, const char *format, ...);
 
@@ -65,15 +68,15 @@ DEVFACTS_API const char *cfg_get_value(cfg_handle store, int zero, const char *k
 
 /** Returns a key's text as a number.
  * The stand-in reads the decimal number at its start: white space and a sign are allowed, text after it is ignored.
- * A negative number is returned as its two's complement. Numbers outside -2^31 to 2^32 - 1 are set to these.
+ * A negative number is returned as its two's complement. A number outside -2^31 to 2^32 - 1 becomes the nearer limit.
  * @param store the store.
  * @param zero always 0.
  * @param key the key itself, not a format.
  * @return the number; in the stand-in 0 if there is no number or no such key. */
 DEVFACTS_API uint32_t cfg_get_uint32_value(cfg_handle store, int zero, const char *key);
 
-/** Returns a key's text as a truth value. In the stand-in "1", "true", "yes", "on" and "enabled" are true, in upper
- * or lower case, and all else is false.
+/** Returns a key's text as a truth value. In the stand-in "1", "true", "yes", "on" and "enabled" are true, in any
+ * mixture of upper and lower case, and all else is false.
  * @param store the store.
  * @param zero always 0.
  * @param key the key itself, not a format.
@@ -85,10 +88,11 @@ DEVFACTS_API uint32_t cfg_get_bool_value(cfg_handle store, int zero, const char 
  * @param store the store.
  * @param prefix the key before the index; it may contain dots and indices.
  * @param suffix the key after the index; it may contain dots and indices.
- * @return an iterator at the first index, for cfg_free_iterator(); null if there is no such key or no memory. */
+ * @return an iterator at the first index; this pointer is for cfg_free_iterator(). Null if there is no such key or no
+ * memory. */
 DEVFACTS_API cfg_iterator *cfg_create_index_iterator(cfg_handle store, const char *prefix, const char *suffix);
 
-/** Releases an iterator, at any index. @param iterator the iterator; null does nothing. */
+/** Releases an iterator, at any index. @param iterator what cfg_create_index_iterator() returned; null does nothing. */
 DEVFACTS_API void cfg_free_iterator(cfg_iterator *iterator);
 
 DEVFACTS_END_DECLS

@@ -1,9 +1,9 @@
 /** @defgroup log The logging library
  * What is asked of the logging library of a device's firmware. The stand-in here sends messages to syslog.
  *
- * Higher levels matter less: 1 is a failure, 2 bad input, 4 a passing error. In the stand-in they are the priorities
- * LOG_CRIT (0 and below), LOG_ERR (1), LOG_WARNING (2), LOG_NOTICE (3), LOG_INFO (4) and LOG_DEBUG (5 and above), with
- * the identity and facility of the program's openlog().
+ * Higher levels matter less. devfacts uses 1 for a failure, 2 for bad input and 4 for a passing error. In the stand-in
+ * they are the priorities LOG_CRIT (0 and below), LOG_ERR (1), LOG_WARNING (2), LOG_NOTICE (3), LOG_INFO (4) and
+ * LOG_DEBUG (5 and above), with the identity and facility of the program's openlog().
  * @{ */
 #ifndef DEVFACTS_PLATFORM_LOG_H
 #define DEVFACTS_PLATFORM_LOG_H

@@ -1,8 +1,8 @@
 /** @defgroup ethernet Ethernet links
  * The state of a wired interface, by the ethtool ioctl (SIOCETHTOOL).
  *
- * Nothing here prints or logs. Use one thread at a time: the control socket is process-wide. If it cannot be opened,
- * the process ends as ioctl_socket() says. The kernel gets the first 15 characters of a name, so a longer one can
+ * Nothing here prints or logs, except for the fatal exit of ioctl_socket(), if no control socket can be opened. Use one
+ * thread at a time: that socket is process-wide. The kernel gets the first 15 characters of a name, so a longer one can
  * address another interface. After a failure errno is that of the ioctl: ENODEV if there is no such interface.
  * @{ */
 #ifndef DEVFACTS_ETHERNET_H
@@ -27,13 +27,14 @@ typedef struct eth_status {
  * @return 1 if so, 0 if not. */
 DEVFACTS_API int eth_capable(const char *name);
 
-/** Fills a record and closes the control socket. The requests are ETHTOOL_GSET, ETHTOOL_GLINK and ETHTOOL_GPERMADDR.
+/** Fills a record and closes the control socket, on failure, too.
+ * The requests are ETHTOOL_GSET, ETHTOOL_GLINK and ETHTOOL_GPERMADDR.
  * @param[out] status cleared first.
  * @param name the interface, not null.
  * @return 0; -1 at the first request that fails: the answers before it are set, the rest is zero. */
 DEVFACTS_API int eth_info(eth_status *status, const char *name);
 
-/** Reads the permanent hardware address (ETHTOOL_GPERMADDR); closes the control socket.
+/** Reads the permanent hardware address (ETHTOOL_GPERMADDR); closes the control socket, on failure, too.
  * @param[out] addr six bytes, cleared first.
  * @param name the interface, not null.
  * @return 0 or -1. */
@@ -41,14 +42,14 @@ DEVFACTS_API int eth_perm_addr(uint8_t *addr, const char *name);
 
 /** Names a record's duplex: "half" or "full".
  * @param status the record.
- * @param[out] text the word, cut if it does not fit; zeros fill the rest.
+ * @param[out] text the word, cut if it does not fit, NUL-terminated; zeros fill the rest.
  * @param size bytes in @p text.
  * @return @p text; null, with nothing written, if duplex is neither 0 nor 1 or @p size is less than 1. */
 DEVFACTS_API char *eth_duplex2str(const eth_status *status, char *text, int size);
 
 /** Names a record's link: "no" or "yes".
  * @param status the record.
- * @param[out] text the word, cut if it does not fit; zeros fill the rest.
+ * @param[out] text the word, cut if it does not fit, NUL-terminated; zeros fill the rest.
  * @param size bytes in @p text.
  * @return @p text; null, with nothing written, if link is neither 0 nor 1 or @p size is less than 1. */
 DEVFACTS_API char *eth_link2str(const eth_status *status, char *text, int size);

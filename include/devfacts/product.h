@@ -23,12 +23,12 @@ DEVFACTS_BEGIN_DECLS
  * more than 1 MiB. This is the stand-in's format; on a device the firmware's library decides. /tmp/system.cfg is
  * trusted whoever made it: the firmware must create it before others can.
  *
- * The first call opens its file, which stays as it was read until it is closed; a file that cannot be loaded is tried
- * again by the next call. But if /etc/product is missing or not readable, that holds until the process ends: every
- * later call fails, and product_name() and others return their defaults, even if the file appears. A program that may
- * start before the file exists waits for access("/etc/product", R_OK) before its first call, or uses
- * product_caps_get(), which always tries again. access() asks for the real user, so a set-user-ID program may miss a
- * file that it can open.
+ * The first call opens its file, which stays as it was read until it is closed; a file that cannot be loaded, such as a
+ * malformed one, is tried again by the next call. But if /etc/product is missing or not readable, that is remembered
+ * until the process ends: every later call fails, and product_name() and others return their defaults, even if the file
+ * appears. A program that may start before the file exists waits for access("/etc/product", R_OK) before its first
+ * call, or uses product_caps_get(), which always tries again. access() asks for the real user, so a set-user-ID program
+ * may miss a file that it can open.
  *
  * Texts belong to the file and are valid until it is closed. prod_spec_close() ends those of prod_spec_get(),
  * product_name(), product_manufacturer() and iw_countrycode_limits(); ::product_caps and iw_radio_limits() have copies.
@@ -83,13 +83,13 @@ DEVFACTS_API const char *prod_spec_get(const char *key);
  * @{ */
 
 /** Returns product.name of the product description. The file is opened if necessary.
- * @return the text, which may be empty, valid until prod_spec_close(); "product" if there is no such key. Not to be
- * freed. */
+ * @return the text, which may be empty, valid until prod_spec_close(); "product" if there is no such key or file. Not
+ * to be freed. */
 DEVFACTS_API const char *product_name(void);
 
 /** Returns product.enterprise-name of the product description. The file is opened if necessary.
- * @return the text, which may be empty, valid until prod_spec_close(); "manufacturer" if there is no such key. Not
- * to be freed. */
+ * @return the text, which may be empty, valid until prod_spec_close(); "manufacturer" if there is no such key or
+ * file. Not to be freed. */
 DEVFACTS_API const char *product_manufacturer(void);
 
 /** Reads the serial number: the first 63 characters of the first line of /etc/serial-no, without the white space at its
@@ -128,7 +128,7 @@ enum {
  * CPU_RT3352, CPU_SL3512, CPU_X86, CPU_XSCALE. A chip that was found is remembered until the process ends; before that,
  * every call reads the file. Several threads may call it at once. It takes 5 KiB of stack.
  * @param id a CPU_ number.
- * @return 1 if it is this chip, otherwise 0. CPU_NONE is 1 while no chip is found. */
+ * @return 1 if it is this chip, otherwise 0. For CPU_NONE it is 1 while no chip is found. */
 DEVFACTS_API int cpu_detect(int32_t id);
 
 /** Returns the vendor of the wireless chip. @return "ralink", a constant. */
@@ -214,7 +214,7 @@ typedef struct caps_limit_table {
 /** An LED: one for each index I of led.lan.I.name, or of led.rssi.I.devname. */
 typedef struct caps_led {
   caps_string devname; /**< devname: the interface or radio that it shows */
-  caps_string name;    /**< name, in led.rssi rows names: of the LED or LEDs */
+  caps_string name;    /**< the LED or LEDs: name in led.lan rows, names in led.rssi rows */
 } caps_led;
 
 /** What the product can do. Rows are in the order of their indices, without gaps; the index itself is not kept. */

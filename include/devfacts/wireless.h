@@ -2,11 +2,11 @@
  * The status of a wireless interface and the table of its peers.
  *
  * Facts come from the Wireless Extensions ioctls, from the driver's files under /proc and from the product description.
- * Nothing here prints or logs. Use queries and limits from one thread at a time: the control socket, the limits and the
- * product description are process-wide.
+ * Nothing here prints or logs, except for the fatal exit of ioctl_socket(). Use queries and limits from one thread at a
+ * time: the control socket, the limits and the product description are process-wide.
  *
- * No interface name is null, unless it says so. The kernel gets the first 15 characters of a name: a longer one can
- * address another interface. In the path of a file under /proc a name is used whole, and "../x" is another folder.
+ * Interface names must not be null, unless it says so. The kernel gets the first 15 characters of a name: a longer one
+ * can address another interface. In the path of a file under /proc a name is used whole, and "../x" is another folder.
  * @{ */
 #ifndef DEVFACTS_WIRELESS_H
 #define DEVFACTS_WIRELESS_H
@@ -26,7 +26,7 @@ DEVFACTS_BEGIN_DECLS
 /** A number that the product description may lack. It is the decimal number at the start of the key's value: white
  * space and a sign are allowed, text after it is ignored ("3dBi" is 3). */
 typedef struct iw_limit_value {
-  uint8_t present; /**< 1 if the key has a number that 32 bits hold */
+  uint8_t present; /**< 1 if the key has a number that an int32_t holds */
   int32_t value;   /**< the number; means nothing while present is 0 */
 } iw_limit_value;
 
@@ -75,13 +75,14 @@ typedef struct iw_status {
 } iw_status;
 
 /** Fills a whole record: clears it, sets each field by its query, and closes the control socket.
- * A query that fails leaves its fields zero, as if zero were the answer: to know, make the single query. The values are
- * read one after the other, so counters are not of one moment.
+ * A query that fails leaves its fields zero, as if zero were the answer: to know, make the single query. Only
+ * iw_freq_channel() and iw_read_states() may have set some of theirs. The values are read one after the other, so
+ * counters are not of one moment.
  * Warning: the first call in the process, even with a wrong name, decides the limits for all later ones; see
  * iw_radio_limits(). The call takes 9 KiB of stack.
  * @param[out] status the record.
  * @param name the interface. The record has the pointer, so the text must stay.
- * @return always 0; ends the process as ioctl_socket() does.
+ * @return always 0; if no socket can be opened, the process ends as ioctl_socket() says.
  * @par Example
  * @code
  * iw_status status;
@@ -160,8 +161,8 @@ DEVFACTS_API double iw_freq2double(const void *freq);
 DEVFACTS_API int iw_freq_channel(iw_status *status, const char *name);
 
 /** Sets the start of bit_rates to the rates of the range record, at most 32.
- * Their number is its num_bitrates (get_range_info()). Rates after them stay as they were: clear bit_rates first.
- * The call takes 9 KiB of stack.
+ * Their number is its num_bitrates (get_range_info()), or 32 if that is more. Rates after them stay as they were: clear
+ * bit_rates first. The call takes 9 KiB of stack.
  * @param status,name the record, the interface.
  * @return 0 or -1. */
 DEVFACTS_API int iw_bitrates(iw_status *status, const char *name);
@@ -197,7 +198,7 @@ DEVFACTS_API int iw_rx_errors(iw_status *status, const char *name);
 DEVFACTS_API int iw_rx_total(iw_status *status, const char *name);
 
 /** Sets the five state times from /proc/net/madwifi/NAME/state_cnt: "INIT: 12 msecs", then SCAN, AUTH, ASSOC and RUN.
- * The numbers have 64 bits; one of any number of digits is read into memory.
+ * The numbers have 64 bits. The C library reads all digits of a longer one into memory, and it is no failure.
  * @param status the record; its ifname is the interface, and null is a failure.
  * @return 0; -1 at the first that cannot be read: those before it are set. */
 DEVFACTS_API int iw_read_states(iw_status *status);
@@ -237,19 +238,20 @@ DEVFACTS_API const char *iw_countrycode_limits(void);
  * the program. */
 DEVFACTS_API extern const char *const IW_OPERATION_MODE[7];
 
-/** Names an operation mode. @param mode the mode. @return the row of ::IW_OPERATION_MODE; null from 7 on. */
+/** Names an operation mode. @param mode the mode. @return the constant of ::IW_OPERATION_MODE; null from 7 on. */
 DEVFACTS_API const char *iw_operation_mode2str(uint32_t mode);
 
 /** Names a security mode.
  * @param flags the encoding_flags of a record.
- * @return "off", "restricted" or "open" for 0x8000, 0x4000 or 0x2000, the first that is set; otherwise null. */
+ * @return "off", "restricted" or "open" for 0x8000, 0x4000 or 0x2000, the first that is set; otherwise null.
+ * It is not to be freed. */
 DEVFACTS_API const char *iw_security_mode2str(uint32_t flags);
 
 /** Names the channel width: "turbo" (40 MHz), "quarter" (5), "half" (10) or "full" (20).
  * It is a guess: turbo if ieee_name has a capital T anywhere, quarter or half if the first of bit_rates is 1500000 or
  * 3000000, otherwise full.
  * @param status a record with ieee_name and bit_rates.
- * @return the word. */
+ * @return the word, not to be freed. */
 DEVFACTS_API const char *iw_bandwidth2str(const iw_status *status);
 
 /** @} */
@@ -274,9 +276,9 @@ typedef struct iw_peers_list {
 } iw_peers_list;
 
 /** Adds a row for each peer of an interface, in the order of the file.
- * "Peer MAC address: 00:11:22:33:44:55" begins a peer, "Rx last RSSI0: -60" and so on belong to it; what is missing is
- * zero. A line that cannot be split (see @ref core_lines) ends the table. A file that cannot be read, and a path of
- * more than 255 characters, add nothing.
+ * The file is /proc/net/NAME/peers. "Peer MAC address: 00:11:22:33:44:55" begins a peer, "Rx last RSSI0: -60" and so
+ * on belong to it; what is missing is zero. A line that cannot be split (see @ref core_lines) ends the table. A file
+ * that cannot be read, and a path of more than 255 characters, add nothing.
  * @param list rows of an earlier call stay before the new ones, and the last of them gets strengths that the file has
  * before its first peer: call iw_peers_free() first. Without memory for a row the table becomes empty.
  * @param name the interface; null is ra0.

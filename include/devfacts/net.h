@@ -95,6 +95,7 @@ static inline ipi_entry *ipi_next(const ifi_entry *entry, const ipi_entry *addre
 DEVFACTS_API list_link *ifi_get_all(void);
 
 /** Fills ::interfaces from the kernel, with addresses (RTM_GETADDR); otherwise as ifi_get_all().
+ * A list that ifi_get_all() filled is returned as it is, without addresses: call ifi_free_all() first.
  * An address of an interface that is not in the list is dropped, and so is one without memory.
  * @return &interfaces.
  * @par Example
@@ -121,12 +122,12 @@ DEVFACTS_API ifi_entry *ifi_find_by_name(const char *name);
  * @return the first record with that index, which belongs to the list; null if there is no such record. */
 DEVFACTS_API ifi_entry *ifi_find_by_index(int32_t index);
 
-/** Allocates an interface record, all zero, in no list.
+/** Allocates an interface record, all zero but for its two links, in no list.
  * @return the record, for ifi_register() or ifi_free(). Without memory, die() with "out of memory, %s\n" and the errno
  * text. */
 DEVFACTS_API ifi_entry *ifi_alloc(void);
 
-/** Allocates an address record, all zero, in no list.
+/** Allocates an address record, all zero but for its link, in no list.
  * @return the record, for ifi_add_addr() or free(); null without memory. */
 DEVFACTS_API ipi_entry *ipi_alloc(void);
 
@@ -176,12 +177,14 @@ DEVFACTS_API int iw_parent_name(const char *name, char *buffer, int size);
 /** Prints ::interfaces as an XML document.
  * It is an element netstats, with an element interface for each record (see ifi_dump_detail()). Fill the list first,
  * with ifi_get_all_ip(). Each interface takes roughly 0.03 ms on a processor of 384 MHz, without the kernel's work.
- * @param filter prints only the records with exactly this name; null prints all. */
+ * @param filter prints only the records with exactly this name (without one, an empty netstats); null prints all. */
 DEVFACTS_API void ifi_dump_all(const char *filter);
 
 /** Prints the items of one interface: name, status ("up" or "down", by IFF_UP), master (the name of that index now),
  * hwaddr, an ipv4 or ipv6 for each address, and the 23 counters by the names of struct rtnl_link_stats.
- * What is absent has no line, but a counter that the kernel does not have is 0.
+ * There is no line for a name that is null, for a master that is 0 or not found, for an address that is null or of
+ * another family, and for counters if stats is null; a counter that the kernel does not have is 0. Prefix lengths are
+ * not printed.
  * @param entry the interface, registered or not. */
 DEVFACTS_API void ifi_dump_detail(const ifi_entry *entry);
 
@@ -206,8 +209,8 @@ DEVFACTS_API char *ifi_mac_ntop(char *dst, size_t size, const uint8_t *mac);
  * @param[out] buf the text; INET6_ADDRSTRLEN bytes are enough.
  * @param size bytes in @p buf.
  * @param entry an address, or null.
- * @return null if @p entry or its addr is null, otherwise @p buf. It is unchanged if it is too small or the family is
- * neither AF_INET nor AF_INET6: check the family first. */
+ * @return null if @p entry or its addr is null, otherwise @p buf, even if its content is unchanged because it is too
+ * small or the family is neither AF_INET nor AF_INET6: check the family first. */
 DEVFACTS_API char *ifi_ip_ntop(char *buf, size_t size, const ipi_entry *entry);
 
 /** @} */
@@ -216,8 +219,8 @@ DEVFACTS_API char *ifi_ip_ntop(char *buf, size_t size, const ipi_entry *entry);
  * @ingroup net
  * A blocking client for dumps and notifications.
  *
- * Every failure but EINTR and EAGAIN ends the process through die(). Requests of your own must not set NLM_F_ACK: the
- * kernel confirms success with an error message of code 0, which also ends the process.
+ * Every failure ends the process through die(), but EINTR is retried, and nl_recv() returns at EAGAIN. Requests of your
+ * own must not set NLM_F_ACK: the kernel confirms success with an error message of code 0, which also ends the process.
  * @{ */
 
 /** A netlink socket, in the caller's storage. A caller may set options on fd, such as SO_RCVTIMEO. */
@@ -243,7 +246,7 @@ typedef int (*nl_callback)(struct nlmsghdr *message);
  * the socket has no netlink address. */
 DEVFACTS_API void nl_open(nl_handle *handle, int protocol, uint32_t groups);
 
-/** Sends a request; EINTR is retried.
+/** Sends a request; EINTR is retried, EAGAIN is a failure.
  * @param handle an open handle.
  * @param buffer the request.
  * @param length its bytes.
@@ -263,7 +266,8 @@ DEVFACTS_API int nl_dump(nl_handle *handle, int type);
  * EINTR is retried, and the timeout starts again. Replies are not matched to the request, so one handle serves one dump
  * at a time. NLMSG_NOOP and NLMSG_OVERRUN are passed on; what follows NLMSG_DONE in its datagram is dropped. The
  * receive buffer is four pages on the caller's stack: 16 KiB with pages of 4 KiB. Of a larger datagram the whole
- * messages at its start are passed on, and standard error gets the warning "truncated message ?\n".
+ * messages at its start are passed on, and standard error gets the warning "truncated message ?\n" in
+ * place of the last failure below.
  * @param handle an open handle.
  * @param callback called on this thread, not null.
  * @par Failures
@@ -281,7 +285,7 @@ DEVFACTS_API void nl_close(nl_handle *handle);
 
 /** Sorts a block of attributes into a table by type; of several of one type the last counts.
  * The type counts with all 16 bits, flags such as NLA_F_NESTED included.
- * @param[out] table @p max + 1 pointers: null, or into the block.
+ * @param[out] table @p max + 1 pointers, which the function clears first: null, or into the block.
  * @param max highest type; higher ones are skipped.
  * @param first the first attribute.
  * @param length bytes in the block.
@@ -309,7 +313,7 @@ DEVFACTS_API void *nla_memdup(const struct rtattr *attribute);
 
 /** Copies the text in the payload: up to its first NUL, or all of it.
  * @param attribute the attribute.
- * @return the copy, which the caller frees; null without memory. */
+ * @return the copy, which the caller frees, empty for an empty payload; null without memory. */
 DEVFACTS_API char *nla_strdup(const struct rtattr *attribute);
 
 /** Reads the payload's first four bytes as a number in host order; missing bytes are zero.

@@ -143,7 +143,7 @@ DEVFACTS_API char *escape_xml(const char *src, char *dst);
  *
  * A prefix selects the lines that begin with it; null and "" select all. It is compared before the line is split, so it
  * may be longer than the key. A selected line that cannot be split ends the walk without a sign. A piece of an overlong
- * line may be such a line: pass a prefix, with which few pieces begin.
+ * line may be such a line: always pass a prefix, though a piece may begin with it.
  *
  * A file that cannot be opened is like an empty one, and a read error like the end. To tell these apart, use fopen(),
  * iterate_raw(), then ferror(). Opening a named pipe waits for its writer.

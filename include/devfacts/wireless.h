@@ -238,7 +238,7 @@ DEVFACTS_API const char *iw_countrycode_limits(void);
  * the program. */
 DEVFACTS_API extern const char *const IW_OPERATION_MODE[7];
 
-/** Names an operation mode. @param mode the mode. @return the constant of ::IW_OPERATION_MODE; null from 7 on. */
+/** Names an operation mode. @param mode the mode. @return the constant in ::IW_OPERATION_MODE; null from 7 on. */
 DEVFACTS_API const char *iw_operation_mode2str(uint32_t mode);
 
 /** Names a security mode.

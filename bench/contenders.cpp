@@ -22,31 +22,6 @@ void print() {
   std::fflush(stdout);
 }
 
-std::string document;
-
-// A copy of the document and one write of it.
-void write_document() {
-  static std::string copy;
-  copy = document;
-  std::fwrite(copy.data(), 1, copy.size(), stdout);
-  std::fflush(stdout);
-}
-
-constexpr bench::contender collecting[] = {
-    {"collect/devfacts", collect},
-    {"collect/limit", bench::receive_only},
-    {"collect/libmnl", bench::collect_with_libmnl},
-    {"collect/libnl", bench::collect_with_libnl},
-    {"collect/getifaddrs", bench::collect_with_getifaddrs},
-};
-
-constexpr bench::contender printing[] = {
-    {"print/devfacts", print},
-    {"print/limit", write_document},
-    {"print/libxml2", bench::print_with_libxml2},
-    {"print/glib", bench::print_with_glib},
-};
-
 std::string contents_of(int fd) {
   std::string text(static_cast<size_t>(lseek(fd, 0, SEEK_END)), '\0');
   if (pread(fd, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) std::abort();
@@ -65,11 +40,35 @@ std::string printed_by(bench::work run) {
   return text;
 }
 
+// A copy of the document and one write of it.
+void write_document() {
+  static const std::string document = printed_by(print);
+  static std::string copy;
+  copy = document;
+  std::fwrite(copy.data(), 1, copy.size(), stdout);
+  std::fflush(stdout);
+}
+
 void require(bool same, const char *what) {
   if (same) return;
   std::fprintf(stderr, "%s gives another document\n", what);
   std::exit(1);
 }
+
+constexpr bench::contender collecting[] = {
+    {"collect/devfacts", collect},
+    {"collect/limit", bench::receive_only},
+    {"collect/libmnl", bench::collect_with_libmnl},
+    {"collect/libnl", bench::collect_with_libnl},
+    {"collect/getifaddrs", bench::collect_with_getifaddrs},
+};
+
+constexpr bench::contender printing[] = {
+    {"print/devfacts", print},
+    {"print/limit", write_document},
+    {"print/libxml2", bench::print_with_libxml2},
+    {"print/glib", bench::print_with_glib},
+};
 
 }  // namespace
 
@@ -79,7 +78,7 @@ std::span<const bench::contender> bench::printers() { return printing; }
 
 void bench::check_that_all_agree() {
   ifi_get_all_ip();
-  document = printed_by(print);
+  const std::string document = printed_by(print);
   for (const contender &each : printing) require(printed_by(each.run) == document, each.name);
   ifi_free_all();
   fill_with_libmnl();

@@ -50,14 +50,14 @@ extern "C" void *malloc(size_t size) {
   return __libc_malloc(size);
 }
 
-extern "C" void *calloc(size_t count, size_t size) {
-  note(count * size);
-  return __libc_calloc(count, size);
+extern "C" void *calloc(size_t nmemb, size_t size) {
+  note(nmemb * size);
+  return __libc_calloc(nmemb, size);
 }
 
-extern "C" void *realloc(void *old, size_t size) {
+extern "C" void *realloc(void *ptr, size_t size) {
   note(size);
-  return __libc_realloc(old, size);
+  return __libc_realloc(ptr, size);
 }
 
 bench::costs bench::costs_of(void (*work)()) {

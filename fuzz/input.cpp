@@ -7,7 +7,7 @@
 
 #include <csetjmp>
 
-static std::string_view datagrams;
+static std::string_view waiting;
 static std::jmp_buf end_of_body;
 
 std::string fuzz::file_with(std::string_view contents) {
@@ -18,8 +18,8 @@ std::string fuzz::file_with(std::string_view contents) {
   return "/proc/self/fd/" + std::to_string(fd);
 }
 
-void fuzz::run(std::string_view input, const std::function<void()> &body) {
-  datagrams = input;
+void fuzz::run(std::string_view datagrams, const std::function<void()> &body) {
+  waiting = datagrams;
   const int socket = dup(STDERR_FILENO);  // the number that the body's socket will have
   close(socket);
   if (setjmp(end_of_body) == 0) body();
@@ -35,10 +35,10 @@ ssize_t test_send(int /*fd*/, const void * /*bytes*/, size_t size, int /*flags*/
 ssize_t test_recvmsg(int /*fd*/, msghdr *message, int /*flags*/) {
   const nlmsghdr done{sizeof done, NLMSG_DONE, 0, 0, 0};
   std::string_view datagram(reinterpret_cast<const char *>(&done), sizeof done);
-  if (!datagrams.empty()) {
-    const size_t length = size_t{4} * static_cast<uint8_t>(datagrams.front());
-    datagram = datagrams.substr(1, length);
-    datagrams.remove_prefix(1 + datagram.size());
+  if (!waiting.empty()) {
+    const size_t length = size_t{4} * static_cast<uint8_t>(waiting.front());
+    datagram = waiting.substr(1, length);
+    waiting.remove_prefix(1 + datagram.size());
   }
   const iovec &buffer = *message->msg_iov;
   message->msg_flags = 0;

@@ -31,7 +31,7 @@ TEST(addresses, are_six_groups_of_up_to_a_byte) {
 }
 
 // Prints each pair, and ends the walk after the value "last".
-static int print_pair(void *, char *key, char *value) {
+static int print_pair(void * /*context*/, char *key, char *value) {
   std::printf("[%.20s/%.20s]", key, value);
   return std::strcmp(value, "last") == 0 ? -7 : 0;
 }

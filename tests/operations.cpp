@@ -38,9 +38,8 @@ static void say(const auto &...values) {
 
 static auto command(std::vector<std::string> arguments) {
   return [=]() mutable {
-    std::vector<char *> pointers;
-    for (std::string &each : arguments) pointers.push_back(each.data());
-    pointers.push_back(nullptr);
+    std::vector<char *> pointers(arguments.size() + 1);
+    std::transform(arguments.begin(), arguments.end(), pointers.begin(), [](auto &each) { return each.data(); });
     say("status", tool::run(static_cast<int>(arguments.size()), pointers.data()));
   };
 }

@@ -66,8 +66,8 @@ static std::string image(const records &table) {
 static bool load(records &table, const std::string &text, size_t total) {
   if (total > text.size() || total < 16 || word_at(text, 12) != 0) return false;
   size_t at = 16;
-  for (uint32_t length = 0; at + 4 <= total; at += (length + 3) / 4 * 4) {
-    const int id = word_at(text, at) & 0xffff;
+  for (size_t length = 0; at + 4 <= total; at += (length + 3) / 4 * 4) {
+    const auto id = static_cast<int>(word_at(text, at) & 0xffff);
     length = word_at(text, at) >> 16;
     if (length < 4 || at + length > total || (length > 4 && id == 65535)) return false;
     if (length > 4) table[id] = text.substr(at + 4, length - 4);
@@ -323,7 +323,7 @@ TEST(eeprom, a_small_stack_ends_at_its_guard_page) {
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "the sanitizer has stacks of its own";
 #endif
-  constexpr size_t guard_end = 4 * 65536;
+  constexpr size_t guard_end = 262144;
   constexpr size_t stack_size = 49152;
   auto *memory = static_cast<char *>(
       mmap(nullptr, guard_end + stack_size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));

@@ -55,8 +55,11 @@ void copy_allocated() { std::free(strdup(text)); }
 // Byte by byte, by a table, into a buffer that is large enough.
 void escape_by_table() {
   static const char *entities[256];
-  entities['\''] = "&apos;", entities['"'] = "&quot;", entities['&'] = "&amp;";
-  entities['<'] = "&lt;", entities['>'] = "&gt;";
+  entities[+'\''] = "&apos;";
+  entities[+'"'] = "&quot;";
+  entities[+'&'] = "&amp;";
+  entities[+'<'] = "&lt;";
+  entities[+'>'] = "&gt;";
   char *to = escaped;
   for (const char *from = text; *from != '\0'; ++from) {
     const char *entity = entities[static_cast<unsigned char>(*from)];

@@ -20,7 +20,7 @@ int open_socket() {
   sockaddr_nl local{};
   local.nl_family = AF_NETLINK;
   socklen_t length = sizeof local;
-  bind(fd, reinterpret_cast<sockaddr *>(&local), length);
+  if (bind(fd, reinterpret_cast<sockaddr *>(&local), length) != 0) std::abort();
   getsockname(fd, reinterpret_cast<sockaddr *>(&local), &length);
   return fd;
 }
@@ -35,7 +35,7 @@ void request(int fd, uint16_t type) {
 
 // The headers are all that is read: there is no other way to know the end.
 bool holds_the_end(const char *buffer, ssize_t received) {
-  auto *message = reinterpret_cast<const nlmsghdr *>(buffer);
+  const auto *message = reinterpret_cast<const nlmsghdr *>(buffer);
   for (; NLMSG_OK(message, received); message = NLMSG_NEXT(message, received)) {
     if (message->nlmsg_type == NLMSG_DONE) return true;
   }

